@@ -1,0 +1,13 @@
+# Every target of the project links this one, privately.
+add_library(flowmere_warnings INTERFACE)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    target_compile_options(flowmere_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+    if(FLOWMERE_WERROR)
+        target_compile_options(flowmere_warnings INTERFACE -Werror)
+    endif()
+elseif(MSVC)
+    target_compile_options(flowmere_warnings INTERFACE /W4 /permissive- /utf-8)
+    if(FLOWMERE_WERROR)
+        target_compile_options(flowmere_warnings INTERFACE /WX)
+    endif()
+endif()

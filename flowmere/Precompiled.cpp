@@ -1,0 +1,1 @@
+#include "flowmere/Precompiled.h"
