@@ -1,24 +1,9 @@
 # What an outside program needs: the headers that Flowmere.h reaches, the library, a CMake package, a pkg-config file.
 include(CMakePackageConfigHelpers)
 
-# Follows the includes of the umbrella, so that what is installed is exactly what it needs.
-set(pending Flowmere.h)
-set(public_headers)
-while(pending)
-    list(POP_FRONT pending header)
-    if(NOT header IN_LIST public_headers)
-        list(APPEND public_headers ${header})
-        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/flowmere/${header}")
-        file(STRINGS "${PROJECT_SOURCE_DIR}/flowmere/${header}" includes REGEX "^#include \"flowmere/")
-        list(TRANSFORM includes REPLACE "^#include \"flowmere/([^\"]+)\".*" "\\1")
-        list(APPEND pending ${includes})
-    endif()
-endwhile()
-foreach(header IN LISTS public_headers)
-    cmake_path(GET header PARENT_PATH folder)
-    install(FILES "${PROJECT_SOURCE_DIR}/flowmere/${header}"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/flowmere/${folder}" COMPONENT development)
-endforeach()
+install(CODE "set(source_dir \"${PROJECT_SOURCE_DIR}\")\nset(include_dir \"${CMAKE_INSTALL_INCLUDEDIR}\")"
+    COMPONENT development)
+install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/InstallHeaders.cmake" COMPONENT development)
 
 install(TARGETS flowmere EXPORT FlowmereTargets
     RUNTIME COMPONENT library
@@ -38,6 +23,10 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/FlowmereConfigVersion.cm
 install(FILES "${PROJECT_BINARY_DIR}/FlowmereConfig.cmake" "${PROJECT_BINARY_DIR}/FlowmereConfigVersion.cmake"
     DESTINATION "${package_dir}" COMPONENT development)
 
+# The paths in it are relative to where the file itself lies, so an installed tree can be moved.
+cmake_path(SET pc_dir NORMALIZE "/${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+cmake_path(RELATIVE_PATH pc_dir BASE_DIRECTORY "/" OUTPUT_VARIABLE pc_from_prefix)
+string(REGEX REPLACE "[^/]+" ".." pc_to_prefix "${pc_from_prefix}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/flowmere.pc.in" "${PROJECT_BINARY_DIR}/flowmere.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/flowmere.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)

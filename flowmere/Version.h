@@ -7,8 +7,7 @@
 #define FLOWMERE_VERSION_MINOR 1
 #define FLOWMERE_VERSION_PATCH 0
 
-namespace flowmere
-{
+namespace flowmere {
 
 // The version of the library that runs, "major.minor.patch". The text lives as long as the library.
 FLOWMERE_API char const* versionText();

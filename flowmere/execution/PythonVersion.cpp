@@ -4,13 +4,10 @@
 
 #include <string>
 
-namespace flowmere
-{
+namespace flowmere {
 
-char const* pythonVersionText()
-{
-    static std::string const text = []
-    {
+char const* pythonVersionText() {
+    static std::string const text = [] {
         std::string const full = Py_GetVersion();
         return full.substr(0, full.find(' '));
     }();

@@ -2,11 +2,9 @@
 
 #include <xercesc/util/XercesVersion.hpp>
 
-namespace flowmere
-{
+namespace flowmere {
 
-char const* xercesVersionText()
-{
+char const* xercesVersionText() {
     return XERCES_FULLVERSIONDOT;
 }
 
