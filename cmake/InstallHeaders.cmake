@@ -1,5 +1,7 @@
 # Run at install time. Follows the includes of the umbrella, so that what is installed is exactly what it needs.
 # In: source_dir, the checkout; include_dir, where headers go under the prefix.
+cmake_policy(VERSION 3.23)
+
 set(pending Flowmere.h)
 set(seen)
 while(pending)
