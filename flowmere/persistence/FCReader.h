@@ -1,0 +1,112 @@
+// CFCReader: reads a process document into a tree of nodes; base of every native reader.
+#pragma once
+
+#include "flowmere/Export.h"
+#include "flowmere/foundation/TuString.h"
+#include "flowmere/foundation/TuTypes.h"
+#include "flowmere/xml/TXMLBaseReader.h"
+
+class IFCNode;
+class CFCBaseContainer;
+class CFCBlockData;
+class CFCConnector;
+class CFCNodeFactory;
+class CFCVariableData;
+class CDoBaseObject;
+
+// Reads the process document family: one reader serves one Parse, on one thread. The catalog
+// readers derive from it for the factory, the container and the two virtual steps.
+class FLOWMERE_API CFCReader : public CTXMLBaseReader {
+public:
+    CFCReader();
+    // Copies share factory, container and document.
+    CFCReader(CFCReader const& other);
+    CFCReader& operator=(CFCReader const& other);
+    ~CFCReader() override;
+
+    // Caption, file path and project kind of a folder-like element ("Name", else "BlockString";
+    // "FILE" when not empty). Nothing for a null node.
+    virtual void LoadPropertiesLite(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    // The text of a "CODE" element goes to the node's code when it is not empty.
+    virtual void LoadCode(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+
+    // The factory that makes every node; not owned, needed before any Parse.
+    void SetNodeFactory(CFCNodeFactory* factory);
+    // Observer that is handed every node read, descendants first; not owned, may be null.
+    void SetContainer(CFCBaseContainer* container);
+    // Hands the node to the container; nothing without a container or a node.
+    void Attach(IFCNode* node);
+
+    // Reads the file into a new process node, which the caller owns, and stores it in *out. File
+    // links are followed while their depth does not exceed maxDepth. False, with *out untouched,
+    // for an empty path, a null out, no factory or a file that is no well-formed XML.
+    bool Parse(wchar_t const* path, IFCNode** out, int maxDepth);
+    // Reads the file's content into an existing node. Beyond the depth of Parse the node is only
+    // marked as an unloaded link, which counts as success. The flag is ignored. False for a
+    // missing or unreadable file.
+    bool LoadFileNode(wchar_t const* path, IFCNode* node, bool flag);
+    // Reads the children of the element into the node; the third argument is ignored. False only
+    // where a "SCRIPT" meets block data outside a node: the rest of the element is then unread.
+    bool Load(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, IFCNode* ignored);
+    // Attributes of an ordinary object element; nothing for a null node.
+    void LoadProperties(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    // Attributes of a process element; nothing for a node that is no process node.
+    void LoadRootProperties(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    // The variables below "PROCESS_VARIABLES" or "TEMPLATE_VARIABLES".
+    void LoadVariables(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, bool isTemplate);
+    // One variable element, into a new variable of the node's block data.
+    void LoadVariable(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, bool isTemplate);
+    // The "OPTION" children of a template variable; one of them.
+    void LoadVariableOptions(XERCES_CPP_NAMESPACE::DOMElement* element, CFCVariableData* variable);
+    void LoadVariableOption(XERCES_CPP_NAMESPACE::DOMElement* element, CFCVariableData* variable);
+    // Routing points of a connector; node and version are not used. True.
+    bool LoadPoints(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, CFCConnector* connector, int version);
+    // The old form: the ends are hit-tested for their grips and no point is kept. False for a null connector.
+    bool LoadPointsOld(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, CFCConnector* connector);
+    // Hit-tests the point on the block at that end and stores the grip found, -1 for a miss; nothing
+    // for a null point, a missing block or a result of 0.
+    void SetConnectorNode(CFCConnector* connector, _TgPointLStr* point, bool isStart);
+    // True when the element's "FILE" attribute is not empty.
+    bool IsFile(XERCES_CPP_NAMESPACE::DOMElement* element);
+    // Object lookups of older hosts: null through the last argument, false.
+    bool FindObject(IFCNode* node, TuString& name, TuString& type, int& index, CDoBaseObject** out);
+    bool FindObject(IFCNode* node, TuString& name, CDoBaseObject** out);
+    // Without effect; part of the interface of older hosts.
+    void Format(IFCNode* node);
+    void ClearFormating();
+    void ParseFileData();
+
+protected:
+    // A new node of that type through the factory; null without a factory.
+    IFCNode* Create(int type);
+    // Old coordinates hold for files whose path ends in "fmr".
+    void CheckDataFile(wchar_t const* path);
+
+    CFCNodeFactory* m_pNodeFactory = nullptr;
+    CFCBaseContainer* m_pContainer = nullptr;
+
+private:
+    // One function for each element form, in the order of the list in Load.
+    bool loadChild(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadLibraryLink(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadLink(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadNestedProcess(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadFolder(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadCodeNode(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadObject(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, int type);
+    void loadDimension(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadConnector(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    CFCConnector* createConnector();
+    IFCNode* appendNew(int type, IFCNode* parent);
+    TuString resolveLink(wchar_t const* path, IFCNode* node);
+    void followLink(wchar_t const* path, IFCNode* node);
+
+    XERCES_CPP_NAMESPACE::DOMDocument* m_pLinkedDocument = nullptr; // of the innermost link being read
+    int m_nCurrentDepth = 0;
+    int m_nMaxDepth = 0;
+    bool m_bOldCoordinates = false; // of the last file opened, and so not restored behind a link
+    // Bounds on files that link to themselves.
+    int m_nOpenLinks = 0;
+    int m_nLinksFollowed = 0;
+    int m_nElementDepth = 0;
+};
