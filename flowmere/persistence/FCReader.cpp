@@ -335,6 +335,7 @@ bool CFCReader::Parse(wchar_t const* path, IFCNode** out, int maxDepth) {
     m_nMaxDepth = maxDepth;
     m_nCurrentDepth = 1;
     m_nLinksFollowed = 0;
+    m_findings.clear();
     TuString const file(path);
     if (file.IsEmpty() || out == nullptr || m_pNodeFactory == nullptr)
         return false;
@@ -387,13 +388,17 @@ bool CFCReader::LoadFileNode(wchar_t const* path, IFCNode* node, bool) {
         return true;
     }
     TuString const resolved = resolveLink(file, node);
-    if (!m_pNodeFactory->IsFileExists(resolved))
+    if (!m_pNodeFactory->IsFileExists(resolved)) {
+        m_findings.push_back({CFCReadFinding::FileNotRead, node, file, TuString()});
         return false;
+    }
     CheckDataFile(resolved);
     flowmere::XmlPlatform const platform;
     DOMDocument* document = nullptr;
-    if (!InitXML(resolved, &document))
+    if (!InitXML(resolved, &document)) {
+        m_findings.push_back({CFCReadFinding::FileNotRead, node, file, TuString()});
         return false;
+    }
     flowmere::XmlDocumentPointer const owner(document);
     Raised const open(m_nOpenLinks);
     ++m_nLinksFollowed;
@@ -773,8 +778,11 @@ void CFCReader::loadConnector(DOMElement* element, IFCNode* node) {
     row.integer(6, version);
     CFCBlockNode* const start = CFCPointerConverter::GetBlockNode(node->FindNodeSimple(textOf(row.view(0))));
     CFCBlockNode* const end = CFCPointerConverter::GetBlockNode(node->FindNodeSimple(textOf(row.view(1))));
-    if (start == nullptr || end == nullptr)
+    if (start == nullptr || end == nullptr) {
+        m_findings.push_back({CFCReadFinding::ConnectorWithoutBlock, node, TuString(textOf(row.view(0)).text()),
+                              TuString(textOf(row.view(1)).text())});
         return;
+    }
     CFCConnector* const connector = createConnector();
     if (connector == nullptr)
         return;

@@ -6,6 +6,8 @@
 #include "flowmere/foundation/TuTypes.h"
 #include "flowmere/xml/TXMLBaseReader.h"
 
+#include <vector>
+
 class IFCNode;
 class CFCBaseContainer;
 class CFCBlockData;
@@ -13,6 +15,18 @@ class CFCConnector;
 class CFCNodeFactory;
 class CFCVariableData;
 class CDoBaseObject;
+
+// Something that a read passed over in silence, kept for a host that wants to tell its user.
+struct CFCReadFinding {
+    enum Kind : int {
+        ConnectorWithoutBlock = 0, // first and second are the ids of start and end as the file has them
+        FileNotRead = 1,           // first is the path of a link whose file is missing or unreadable
+    };
+    Kind kind = ConnectorWithoutBlock;
+    IFCNode* node = nullptr; // the container of the connector, the node of the link; not owned
+    TuString first;
+    TuString second;
+};
 
 // Reads the process document family: one reader serves one Parse, on one thread. The catalog
 // readers derive from it for the factory, the container and the two virtual steps.
@@ -68,6 +82,8 @@ public:
     void SetConnectorNode(CFCConnector* connector, _TgPointLStr* point, bool isStart);
     // True when the element's "FILE" attribute is not empty.
     bool IsFile(XERCES_CPP_NAMESPACE::DOMElement* element);
+    // What this reader passed over since its last Parse began.
+    std::vector<CFCReadFinding> const& GetReadFindings() const { return m_findings; }
     // Object lookups of older hosts: null through the last argument, false.
     bool FindObject(IFCNode* node, TuString& name, TuString& type, int& index, CDoBaseObject** out);
     bool FindObject(IFCNode* node, TuString& name, CDoBaseObject** out);
@@ -109,4 +125,5 @@ private:
     int m_nOpenLinks = 0;
     int m_nLinksFollowed = 0;
     int m_nElementDepth = 0;
+    std::vector<CFCReadFinding> m_findings;
 };
