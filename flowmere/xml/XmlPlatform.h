@@ -1,0 +1,52 @@
+#pragma once
+
+#include "flowmere/xml/XmlForward.h"
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+namespace flowmere {
+
+// Files nested deeper than this count as malformed, and writers go no deeper, for the serialiser recurses.
+inline constexpr int kMaxElementDepth = 1024;
+
+// One counted use of the parser library. The first use ever adds one that is never given back: documents and parsers
+// must not outlive the library, and bringing it up again costs more than a small file.
+class XmlPlatform {
+public:
+    XmlPlatform();
+    ~XmlPlatform();
+    XmlPlatform(XmlPlatform const&) = delete;
+    XmlPlatform& operator=(XmlPlatform const&) = delete;
+
+    // False when the library refused to come up. Exceptions that are not its own leave the constructor.
+    bool isUp() const noexcept { return m_up; }
+
+private:
+    bool m_up = false;
+};
+
+struct XmlDocumentRelease {
+    void operator()(XERCES_CPP_NAMESPACE::DOMDocument* document) const noexcept;
+};
+using XmlDocumentPointer = std::unique_ptr<XERCES_CPP_NAMESPACE::DOMDocument, XmlDocumentRelease>;
+
+// A document with the use of the library that it needs.
+class XmlDocumentHolder {
+public:
+    XmlPlatform platform; // goes last
+    XmlDocumentPointer document;
+};
+
+// Parse with the hardened parser: no external entities, no document type loading, limited entity expansion, depth and
+// text volume; errors are collected and never printed. Null for anything but a well-formed document within the limits.
+// Nothing is thrown. The library must be up.
+XmlDocumentPointer parseXmlFile(wchar_t const* path) noexcept;
+XmlDocumentPointer parseXmlBytes(std::string_view bytes) noexcept;
+
+// The settings of that parser on a plain one, which then lacks only the limits on depth and volume. The parser keeps
+// pointers to objects that live as long as the library.
+void applyParserSettings(XERCES_CPP_NAMESPACE::XercesDOMParser& parser);
+
+} // namespace flowmere

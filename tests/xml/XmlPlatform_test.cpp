@@ -1,0 +1,253 @@
+#include "XmlTestSupport.h"
+
+#include <chrono>
+#include <string>
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+
+using flowmere::parseXmlBytes;
+using flowmere::XmlDocumentPointer;
+using flowmere::XmlPlatform;
+using flowmere::test::repeat;
+using flowmere::test::ScratchFolder;
+
+namespace {
+
+struct HardenedParser : testing::Test {
+    XmlPlatform const platform;
+
+    // The document's own text, empty when it does not parse.
+    static std::string textOf(std::string_view xml) {
+        XmlDocumentPointer const document = parseXmlBytes(xml);
+        TuString text;
+        if (document) {
+            flowmere::ownText(document->getDocumentElement(), text);
+        }
+        return flowmere::test::narrow(text);
+    }
+    // Whether the file is refused, which must not take long.
+    static bool refusedAtOnce(std::string_view xml) {
+        auto const start = std::chrono::steady_clock::now();
+        bool const refused = !parseXmlBytes(xml);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        return refused;
+    }
+};
+
+} // namespace
+
+TEST_F(HardenedParser, IsUp) {
+    EXPECT_TRUE(platform.isUp());
+    XmlPlatform const second;
+    EXPECT_TRUE(second.isUp());
+}
+
+TEST_F(HardenedParser, DocumentsOutliveEveryUseOfThePlatform) {
+    XmlDocumentPointer document;
+    {
+        XmlPlatform const inner;
+        document = parseXmlBytes("<r a='1'/>");
+    }
+    EXPECT_TRUE(flowmere::equals(flowmere::attributeOf(document->getDocumentElement(), u"a"), u"1"));
+}
+
+TEST_F(HardenedParser, TakesWellFormedFiles) {
+    for (char const* xml :
+         {"<r/>", "<?xml version='1.0' encoding='UTF-8'?><r/>", "\xEF\xBB\xBF<r/>",
+          "<?xml version='1.0' encoding='ISO-8859-1'?><r>\xE9</r>", "<!DOCTYPE r><r/>",
+          "<!DOCTYPE r [<!ELEMENT r (#PCDATA)>]><r><undeclared/></r>",
+          "<!DOCTYPE r [<!ATTLIST r a CDATA 'given'>]><r/>", "<r xsi:noNamespaceSchemaLocation='none.xsd'/>",
+          "<a:r b:c='d'/>", "<r><!-- c --><?p i?></r>", "<!-- before --><r/><!-- behind -->\n"}) {
+        EXPECT_TRUE(parseXmlBytes(xml)) << xml;
+    }
+}
+
+TEST_F(HardenedParser, RefusesWhatIsNotWellFormed) {
+    for (char const* xml : {"",
+                            " ",
+                            "text",
+                            "<r>",
+                            "<r",
+                            "<",
+                            "<r></s>",
+                            "<r/><s/>",
+                            "<r/>text",
+                            "<r a='1' a='2'/>",
+                            "<r a=1/>",
+                            "<r a/>",
+                            "<r>&undeclared;</r>",
+                            "<r>\x01</r>",
+                            "<r>&#1;</r>",
+                            "<r>\xFF</r>",
+                            "<r>\xC3</r>",
+                            "<r>]]></r>",
+                            "<r><!-- -- --></r>",
+                            "<?xml version='1.0' encoding='no-such'?><r/>",
+                            "<?xml version='9.9'?><r/>",
+                            " <?xml version='1.0'?><r/>",
+                            "<r><![CDATA[open</r>",
+                            "<!DOCTYPE r [<!ENTITY e '&e;'>]><r>&e;</r>",
+                            "<!DOCTYPE r",
+                            "<r a='<'/>"}) {
+        EXPECT_FALSE(parseXmlBytes(xml)) << xml;
+    }
+    EXPECT_FALSE(parseXmlBytes(std::string_view()));
+}
+
+TEST_F(HardenedParser, RefusesEveryTruncatedForm) {
+    std::string const whole =
+        "<?xml version=\"1.0\"?><Process a=\"v\"><BLOCK Name=\"n\">t&amp;<![CDATA[c]]></BLOCK></Process>";
+    ASSERT_TRUE(parseXmlBytes(whole));
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        EXPECT_FALSE(parseXmlBytes(std::string_view(whole).substr(0, length))) << length;
+    }
+}
+
+TEST_F(HardenedParser, PrintsNothing) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(parseXmlBytes("<r><s></r>"));
+    EXPECT_FALSE(parseXmlBytes("<!DOCTYPE r SYSTEM 'missing.dtd'><r>&x</r>"));
+    EXPECT_EQ("", testing::internal::GetCapturedStdout());
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(HardenedParser, FilesThatAreNoneAreRefused) {
+    ScratchFolder const folder;
+    folder.write("empty.xml", "");
+    EXPECT_FALSE(flowmere::parseXmlFile(folder.text("empty.xml")));
+    EXPECT_FALSE(flowmere::parseXmlFile(folder.text()));
+    EXPECT_FALSE(flowmere::parseXmlFile(folder.text("missing.xml")));
+    EXPECT_FALSE(flowmere::parseXmlFile(nullptr));
+}
+
+// --- Depth ---
+
+TEST_F(HardenedParser, TakesUpTo1024NestedElements) {
+    auto const nested = [](int depth) {
+        return repeat("<e>", depth) + repeat("</e>", depth);
+    };
+    EXPECT_TRUE(parseXmlBytes(nested(1024)));
+    EXPECT_FALSE(parseXmlBytes(nested(1025)));
+    EXPECT_TRUE(parseXmlBytes(repeat("<e>", 1023) + "<f/>" + repeat("</e>", 1023)));
+    EXPECT_FALSE(parseXmlBytes(repeat("<e>", 1024) + "<f/>" + repeat("</e>", 1024)));
+    EXPECT_TRUE(refusedAtOnce(nested(200000)));
+}
+
+TEST_F(HardenedParser, SiblingsAreNoDepth) {
+    EXPECT_TRUE(parseXmlBytes("<r>" + repeat("<a><b/></a>", 5000) + "</r>"));
+    EXPECT_TRUE(parseXmlBytes("<r>" + repeat("<a/>", 5000) + "</r>"));
+}
+
+// --- Outside the file ---
+
+TEST_F(HardenedParser, OpensNothingOutsideTheFile) {
+    ScratchFolder const folder;
+    std::string const secret = (folder / "secret.txt").string();
+    folder.write("secret.txt", "SECRET");
+    folder.write("outer.dtd", "<!ENTITY e 'FROM DTD'>");
+    std::string const dtd = (folder / "outer.dtd").string();
+    EXPECT_EQ("[]", textOf("<!DOCTYPE r [<!ENTITY e SYSTEM '" + secret + "'>]><r>[&e;]</r>"));
+    EXPECT_EQ("[]", textOf("<!DOCTYPE r [<!ENTITY e SYSTEM 'file://" + secret + "'>]><r>[&e;]</r>"));
+    EXPECT_EQ("[]", textOf("<!DOCTYPE r [<!ENTITY e PUBLIC 'p' '" + secret + "'>]><r>[&e;]</r>"));
+    EXPECT_EQ("[]", textOf("<!DOCTYPE r [<!ENTITY e SYSTEM 'http://localhost:1/x'>]><r>[&e;]</r>"));
+    EXPECT_EQ("text", textOf("<!DOCTYPE r SYSTEM '" + dtd + "'><r>text</r>"));
+    EXPECT_EQ("text", textOf("<!DOCTYPE r SYSTEM 'http://localhost:1/x.dtd'><r>text</r>"));
+    EXPECT_EQ("text", textOf("<!DOCTYPE r PUBLIC 'p' 'missing.dtd'><r>text</r>"));
+    EXPECT_EQ("text", textOf("<!DOCTYPE r [<!ENTITY % p SYSTEM '" + dtd + "'>%p;]><r>text</r>"));
+    EXPECT_EQ("", textOf("<!DOCTYPE r SYSTEM '" + dtd + "'><r>&e;</r>"));
+    EXPECT_EQ("text",
+              textOf("<r xmlns:xi='http://www.w3.org/2001/XInclude'><xi:include href='" + secret + "'/>text</r>"));
+}
+
+// --- Volume ---
+
+TEST_F(HardenedParser, TakesModestEntities) {
+    EXPECT_EQ("abc abc", textOf("<!DOCTYPE r [<!ENTITY e 'abc'>]><r>&e; &e;</r>"));
+    EXPECT_EQ("<abc>", textOf("<!DOCTYPE r [<!ENTITY i 'abc'><!ENTITY e '&#38;#60;&i;>'>]><r>&e;</r>"));
+    EXPECT_EQ(500U, textOf("<!DOCTYPE r [<!ENTITY e 'x'>]><r>" + repeat("&e;", 500) + "</r>").size());
+    EXPECT_EQ("v", textOf("<!DOCTYPE r [<!ENTITY % p '<!ENTITY e \"v\">'>%p;]><r>&e;</r>"));
+    EXPECT_EQ(3000U, textOf("<r>" + repeat("&amp;&#65;&lt;", 1000) + "</r>").size());
+}
+
+TEST_F(HardenedParser, RefusesEntityBombs) {
+    std::string nested = "<!DOCTYPE r [<!ENTITY e0 'lol'>";
+    for (int i = 1; i < 30; ++i) {
+        std::string const inner = "&e" + std::to_string(i - 1) + ";";
+        nested += "<!ENTITY e" + std::to_string(i) + " '" + inner + inner + "'>";
+    }
+    EXPECT_TRUE(refusedAtOnce(nested + "]><r>&e29;</r>")) << "in text";
+    EXPECT_TRUE(refusedAtOnce(nested + "]><r a='&e29;'/>")) << "in an attribute";
+    EXPECT_TRUE(refusedAtOnce(nested + "<!ATTLIST r a CDATA '&e29;'>]><r/>")) << "in a default value";
+    EXPECT_TRUE(refusedAtOnce("<!DOCTYPE r [<!ENTITY e 'x'>]><r>" + repeat("&e;", 1001) + "</r>")) << "one by one";
+}
+
+TEST_F(HardenedParser, RefusesBombsOfParameterEntities) {
+    std::string xml = "<!DOCTYPE r [<!ENTITY % e0 ' '>";
+    for (int i = 1; i < 40; ++i) {
+        std::string const inner = "&#37;e" + std::to_string(i - 1) + ";";
+        xml += "<!ENTITY % e" + std::to_string(i) + " '" + inner + inner + "'>";
+    }
+    EXPECT_TRUE(refusedAtOnce(xml + "%e39;]><r/>"));
+    EXPECT_TRUE(refusedAtOnce("<!DOCTYPE r [<!ENTITY % e '" + std::string(100000, ' ') + "'>" + repeat("%e;", 10000) +
+                              "]><r/>"));
+}
+
+TEST_F(HardenedParser, RefusesLargeEntities) {
+    std::string const large(100000, 'x');
+    EXPECT_TRUE(refusedAtOnce("<!DOCTYPE r [<!ENTITY e '" + large + "'>]><r>" + repeat("&e;", 900) + "</r>"));
+    std::string const medium(60000, 'x');
+    EXPECT_TRUE(refusedAtOnce("<!DOCTYPE r [<!ENTITY e '" + medium + "'>]><r>" + repeat("&e;", 900) + "</r>"));
+    EXPECT_TRUE(refusedAtOnce("<!DOCTYPE r [<!ENTITY e '" + medium + "'>]><r>" + repeat("<s a='&e;'/>", 900) + "</r>"));
+}
+
+TEST_F(HardenedParser, RefusesMultipliedDefaultValues) {
+    std::string const value(100000, 'x');
+    EXPECT_TRUE(
+        refusedAtOnce("<!DOCTYPE r [<!ATTLIST e a CDATA '" + value + "'>]><r>" + repeat("<e/>", 3000) + "</r>"));
+    std::string many = "<!DOCTYPE r [<!ATTLIST e";
+    for (int i = 0; i < 1000; ++i) {
+        many += " a" + std::to_string(i) + " CDATA 'x'";
+    }
+    EXPECT_TRUE(refusedAtOnce(many + ">]><r>" + repeat("<e/>", 30000) + "</r>"));
+    std::string defaults = "<!DOCTYPE r [<!ENTITY e '" + std::string(60000, 'x') + "'><!ATTLIST r";
+    for (int i = 0; i < 5000; ++i) {
+        defaults += " a" + std::to_string(i) + " CDATA '&e;'";
+    }
+    EXPECT_TRUE(refusedAtOnce(defaults + ">]><r/>"));
+}
+
+TEST_F(HardenedParser, RefusesElementsWithTooManyAttributes) {
+    auto const withAttributes = [](int count) {
+        std::string xml = "<r";
+        for (int i = 0; i < count; ++i) {
+            xml += " a" + std::to_string(i) + "='1'";
+        }
+        return xml + "/>";
+    };
+    EXPECT_TRUE(parseXmlBytes(withAttributes(10000)));
+    EXPECT_TRUE(refusedAtOnce(withAttributes(10001)));
+    EXPECT_TRUE(refusedAtOnce(withAttributes(300000)));
+}
+
+TEST_F(HardenedParser, TakesLargeFilesOfManyReferences) {
+    std::string const text = repeat("&lt;b&gt; &amp; &#10;", 200000);
+    XmlDocumentPointer const document = parseXmlBytes("<r a='" + text + "'>" + text + "</r>");
+    ASSERT_TRUE(document);
+    EXPECT_EQ(200000U * 7, flowmere::xmlView(flowmere::attributeOf(document->getDocumentElement(), u"a")).size());
+}
+
+// --- The same settings on a plain parser ---
+
+TEST_F(HardenedParser, ItsSettingsFitAPlainParser) {
+    std::string const xml = "<!DOCTYPE r SYSTEM 'missing.dtd' [<!ENTITY e 'x'>]><r>&e;</r>";
+    xercesc::XercesDOMParser parser;
+    flowmere::applyParserSettings(parser);
+    xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(xml.data()), xml.size(), "memory");
+    parser.parse(source);
+    ASSERT_EQ(0U, parser.getErrorCount());
+    TuString text;
+    EXPECT_TRUE(flowmere::ownText(parser.getDocument()->getDocumentElement(), text));
+    EXPECT_STREQ(L"x", text);
+}
