@@ -100,6 +100,9 @@ CFCVariableData* CFCDeploymentData::CreateNewVariable() {
 }
 
 TuString CFCDeploymentData::GetVariableValue(wchar_t const* name) {
+    if (name == nullptr) {
+        return {};
+    }
     TuString const wanted(name);
     __FCPOSITION* position = m_variableList.GetHeadPosition();
     while (position != nullptr) {

@@ -160,7 +160,7 @@ public:
     int GetDeploymentId() { return m_deploymentId; }
     void SetDeploymentId(int number) { m_deploymentId = number; }
 
-    // Value of the first variable of that name, letter case aside; empty when there is none.
+    // Value of the first variable of that name, letter case aside; empty when there is none and for a null.
     TuString GetVariableValue(wchar_t const* name);
 
     // Sets the target's caption and appends copies of the source's variables to those that are

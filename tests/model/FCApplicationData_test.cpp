@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "TestSupport.h"
+#include "flowmere/model/FCBlockNode.h"
 #include "flowmere/model/FCNodeFactory.h"
 #include "flowmere/model/FCVariableData.h"
 
@@ -365,6 +366,9 @@ TEST(FCDeploymentData, GetVariableValueOfAMissIsEmpty) {
     EXPECT_EQ(deployment.GetVariableValue(nullptr), L"");
     deployment.add(L"x", L"1");
     EXPECT_EQ(deployment.GetVariableValue(L"y"), L"");
+    deployment.add(L"", L"nameless");
+    EXPECT_EQ(deployment.GetVariableValue(nullptr), L"");
+    EXPECT_EQ(deployment.GetVariableValue(L""), L"nameless");
 }
 
 TEST(FCDeploymentData, GetVariableValueIsATextOfItsOwn) {
@@ -387,6 +391,23 @@ TEST(FCDeploymentData, CopyVariablesClonesInOrderAndAppends) {
     IFCNode* const clone = target.GetVariableList()->GetAt(1);
     EXPECT_NE(clone, original);
     EXPECT_EQ(clone->GetParentNode(), &target);
+}
+
+TEST(FCDeploymentData, CopyVariablesResolvesTheClonesInTheTreeOfTheTarget) {
+    CFCBlockNode application;
+    CFCVariableData* const producer = application.CFCBlockNode::CreateNewVariable();
+    producer->SetVariableName(L"x");
+    Deployment source;
+    source.add(L"a", L"1")->SetLinkPath(L".x");
+    Deployment target;
+    target.SetParentNode(&application);
+    EXPECT_TRUE(CFCDeploymentData::CopyVariables(&source, &target));
+    __FCPOSITION* position = target.GetVariableList()->GetHeadPosition();
+    CFCVariableData* const clone = target.GetVariableList()->GetNext(position);
+    ASSERT_NE(clone, nullptr);
+    EXPECT_EQ(clone->GetLinkedVariableHandle(), -1);
+    clone->SetLinkedVariableHandle(); // taken from the variable that the link was bound to
+    EXPECT_EQ(clone->GetLinkedVariableHandle(), producer->GetNodeHandle());
 }
 
 TEST(FCDeploymentData, CopyVariablesOfAnEmptySourceIsTrue) {
