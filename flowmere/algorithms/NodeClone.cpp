@@ -1,0 +1,34 @@
+#include "flowmere/algorithms/FCNodeHelper.h"
+
+#include "flowmere/model/FCNode.h"
+#include "flowmere/model/FCNodeFactory.h"
+
+IFCNode* CFCNodeHelper::Clone(IFCNode* source) {
+    if (source == nullptr) {
+        return nullptr;
+    }
+    int const type = source->GetNodeType();
+    // An application is more than a record: only its own class can clone it, with its lists. A node that merely bears
+    // the code has no clone.
+    if (type == eShapeType_Application) {
+        return nullptr;
+    }
+    CFCNodeFactory factory;
+    IFCNode* const clone = factory.Create(type);
+    if (clone == nullptr) {
+        return nullptr;
+    }
+    clone->SetNodeCaption(source->GetNodeCaption());
+    clone->SetItemFilePath(source->GetItemFilePath());
+    clone->SetProjectType(source->GetProjectType());
+    clone->SetDirty(source->IsDirty());
+    clone->SetCheckedOut(source->IsCheckedOut());
+    clone->SetUptoDate(source->IsUptoDate());
+    clone->SetCheckedOutUser(source->GetCheckedOutUser());
+    clone->SetVersionNo(source->GetVersionNo());
+    clone->SetNodeId(source->GetNodeId());
+    clone->SetNewPath(source->IsNewPath());
+    clone->SetItemFileBaseDirectory(source->GetItemFileBaseDirectory());
+    clone->SetNodeLocationType(source->GetNodeLocationType());
+    return clone;
+}
