@@ -19,6 +19,10 @@ struct UniqueNameCase {
     wchar_t const* expected;
 };
 
+void PrintTo(UniqueNameCase const& names, std::ostream* out) {
+    *out << "type " << names.type << " among " << names.children.size();
+}
+
 class UniqueNames : public testing::TestWithParam<UniqueNameCase> {};
 
 INSTANTIATE_TEST_SUITE_P(CFCNodeHelper, UniqueNames,
@@ -100,6 +104,10 @@ struct NextNameCase {
     wchar_t const* next;
 };
 
+void PrintTo(NextNameCase const& names, std::ostream* out) {
+    *out << '"' << narrow(names.taken) << '"';
+}
+
 class NextNames : public testing::TestWithParam<NextNameCase> {};
 
 INSTANTIATE_TEST_SUITE_P(UniqueNames, NextNames,
@@ -125,6 +133,10 @@ struct KindNameCase {
     wchar_t const* name;
     int type;
 };
+
+void PrintTo(KindNameCase const& kind, std::ostream* out) {
+    *out << narrow(kind.name);
+}
 
 class KindNames : public testing::TestWithParam<KindNameCase> {};
 

@@ -98,6 +98,10 @@ struct IdSearchCase {
     void (*label)(CFCVariableData*, int);
 };
 
+void PrintTo(IdSearchCase const& search, std::ostream* out) {
+    *out << search.name;
+}
+
 class IdSearches : public testing::TestWithParam<IdSearchCase> {
 protected:
     CFCVariableData* add(IFCNode* owner, int id) {
