@@ -1,0 +1,41 @@
+// What a block does with its script: members of CFCBlockNode that need the bridge to the interpreter.
+#include "flowmere/execution/FCPythonInterface.h"
+#include "flowmere/foundation/TuString.h"
+#include "flowmere/model/FCBlockNode.h"
+
+#include <string_view>
+
+int CFCBlockNode::CheckBlockExecuteMethod(char const* method) {
+    int result = 1;
+    if (GetScriptType() == EScriptType_PYTHON) {
+        CFCPythonInterface python;
+        TuString const name(GetScriptName());
+        python.executeBlockInterface(name.GetAnsiBuffer(), method, &result);
+    }
+    return result;
+}
+
+int CFCBlockNode::ExecuteBlockMethod(char const* method) {
+    SetExecutingFlag(true);
+    if (GetScriptType() == EScriptType_PYTHON) {
+        CFCPythonInterface python;
+        TuString const name(GetScriptName());
+        if (name.IsEmpty()) {
+            return 0;
+        }
+        int status = 0;
+        _object* debugger = nullptr;
+        if (GetBreakPointFlag() && PrepareDebug(TuString(method))) {
+            debugger = GetDebuggerObject();
+        }
+        if (debugger != nullptr) {
+            python.executeBlockInterfaceDebug(name.GetAnsiBuffer(), method, &status, debugger);
+            FinishDebug();
+        } else {
+            python.executeBlockInterface(name.GetAnsiBuffer(), method, &status);
+        }
+    }
+    SetExecutedFlag(method == nullptr || std::string_view(method) != "Undo");
+    SetExecutingFlag(false);
+    return 1;
+}
