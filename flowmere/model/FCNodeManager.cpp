@@ -1,0 +1,56 @@
+#include "flowmere/model/FCNodeManager.h"
+
+#include "flowmere/foundation/Immortal.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace {
+
+struct Entry {
+    IFCNode* node = nullptr;
+    int handle = 0;
+};
+
+constexpr std::size_t kFirstCapacity = 1000;
+
+// Indexed by handle. Nodes of the host may die at the very end of the process, so the table never does.
+std::vector<Entry>& entries() {
+    static flowmere::Immortal<std::vector<Entry>> s_entries;
+    return *s_entries;
+}
+
+// The largest handle ever set.
+int s_highestHandle = 0;
+
+} // namespace
+
+IFCNode* CFCNodeManager::GetNode(int handle) {
+    std::vector<Entry> const& table = entries();
+    if (handle > 0 && static_cast<std::size_t>(handle) > table.size()) {
+        return nullptr;
+    }
+    // A negative handle turns into an index that no table reaches.
+    return table.at(static_cast<std::size_t>(handle)).node;
+}
+
+void CFCNodeManager::SetNode(int handle, IFCNode* node) {
+    std::vector<Entry>& table = entries();
+    if (handle < 0 || (node == nullptr && static_cast<std::size_t>(handle) >= table.size())) {
+        return;
+    }
+    if (s_highestHandle == 0) {
+        table.reserve(kFirstCapacity);
+        table.emplace_back();
+    }
+    std::size_t const index = static_cast<std::size_t>(handle);
+    if (table.capacity() < index) {
+        table.reserve(2 * index);
+    }
+    while (table.size() <= index) {
+        table.push_back({nullptr, static_cast<int>(table.size())});
+    }
+    s_highestHandle = std::max(s_highestHandle, handle);
+    table[index].node = node;
+}
