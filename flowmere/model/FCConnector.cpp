@@ -43,8 +43,10 @@ void CFCConnectionNode::GetConnectionNode(CFCConnectionNode& out) {
     out.portName = portName;
 }
 
-void CFCConnectionNode::SetConnectionNode(CFCConnectionNode& in) {
-    in.GetConnectionNode(*this);
+void CFCConnectionNode::SetConnectionNode(CFCConnectionNode const& in) {
+    handle = in.handle;
+    block = in.block;
+    portName = in.portName;
 }
 
 // Connector

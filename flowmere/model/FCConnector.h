@@ -48,7 +48,7 @@ public:
 
     // Copy grip, block and port name out of this end, or into it.
     void GetConnectionNode(CFCConnectionNode& out);
-    void SetConnectionNode(CFCConnectionNode& in);
+    void SetConnectionNode(CFCConnectionNode const& in);
 
 private:
     TuString portName;

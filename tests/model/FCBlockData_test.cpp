@@ -403,7 +403,7 @@ TEST(FCBlockData, StaysCompact) {
     std::size_t const size = sizeof(CFCBlockNode) +
                              3 * (sizeof(CFCVariableData) + sizeof(CFCDataTypeNode) + sizeof(CFCFileTypeNode)) +
                              sizeof(CFCConnector);
-    EXPECT_LT(size, 8U * 1024U);
+    EXPECT_LT(size, 6U * 1024U);
 }
 
 // Comparison and copies
@@ -932,6 +932,29 @@ TEST(FCBlockData, NodesWithoutBlockDataAreLookedThrough) {
     EXPECT_EQ(1, composite->GetExecutionStateType());
     addChild(folder, L"failed")->SetExecutionStateType(state(6));
     EXPECT_EQ(6, composite->GetExecutionStateType());
+}
+
+namespace {
+
+// A host's node with block data of its own, which is no part of the node.
+class DetachedData : public CFCNode {
+public:
+    void Create() override {}
+    CFCBlockData* GetFCBlockData() override { return &data; }
+
+    CFCBlockData data;
+};
+
+} // namespace
+
+TEST(FCBlockData, DataThatStandsAloneIsNeverComposite) {
+    auto const composite = makeTree<CFCSubProcessNode>(165);
+    auto* const host = new DetachedData;
+    host->SetNodeType(165);
+    host->data.SetExecutionStateType(state(8));
+    composite->AppendChild(host, false);
+    EXPECT_EQ(8, host->data.GetExecutionStateType());
+    EXPECT_EQ(8, composite->GetExecutionStateType());
 }
 
 TEST(FCBlockData, WorkflowProcessIsAComposite) {
