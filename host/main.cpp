@@ -1,29 +1,72 @@
 #include "flowmere/Flowmere.h"
+#include "host/Command.h"
+#include "host/commands/Run.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
 #include <string>
 
 namespace {
+
+using namespace flowmere::host;
 
 std::string versionLine() {
     return fmt::format("flowmere {} (Xerces-C {}, Python {})", flowmere::versionText(), flowmere::xercesVersionText(),
                        flowmere::pythonVersionText());
 }
 
+void tell(std::string const& line) {
+    fmt::print(stderr, "{}\n", line);
+}
+
+int run(int argc, char** argv) {
+    Result result;
+    CLI::App app{"Runs, shows, checks and converts engineering processes without the desktop application", "flowmere"};
+    app.set_version_flag("--version", versionLine, "Show the version, with those of Xerces-C and Python");
+    app.set_help_flag("-h,--help", "Show this help");
+    app.require_subcommand(1);
+    app.fallthrough(false);
+
+    addRun(app, result);
+
+    try {
+        app.parse(argc, argv);
+    } catch (CLI::Success const& shown) {
+        return app.exit(shown);
+    } catch (CLI::ParseError const& error) {
+        auto const called = app.get_subcommands();
+        std::string const help =
+            called.empty() ? "flowmere --help" : "flowmere " + called.front()->get_name() + " --help";
+        tell(errorLine("", "", std::string(error.what()) + " (see " + help + ")"));
+        return kExitWrongUse;
+    }
+    return result.exitCode;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    constexpr int kWrongUse = 2;
-
-    CLI::App app{"Runs, shows, checks and converts engineering processes without the desktop application"};
-    app.set_version_flag("--version", versionLine);
+    int exitCode = kExitWell;
     try {
-        app.parse(argc, argv);
-    } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? 0 : kWrongUse;
+        exitCode = run(argc, argv);
+    } catch (Failure const& failure) {
+        std::fflush(stdout);
+        tell(failure.what());
+        exitCode = failure.exitCode();
+    } catch (std::exception const& error) {
+        std::fflush(stdout);
+        tell(errorLine("", "", error.what()));
+        exitCode = kExitWrongUse;
     }
-    fmt::print("{}", app.help());
-    return 0;
+    bool const isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (!isWritten && exitCode == kExitWell) {
+        tell(errorLine("standard output", "", std::string("cannot be written: ") + std::strerror(errno)));
+        exitCode = kExitWrongUse;
+    }
+    return exitCode;
 }

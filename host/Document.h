@@ -1,0 +1,81 @@
+#pragma once
+
+// An opened process document: what every command begins with.
+
+#include "flowmere/Flowmere.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace flowmere::host {
+
+// Where the script of a block stands.
+enum class ScriptState {
+    None,    // the block has none and needs none: it runs as nothing
+    Found,   // there is a file
+    Missing, // it names a script, or is of a kind that does nothing without one, and there is no file
+};
+
+// Owns the tree of one document and what the library has to know to find its scripts. The roots of the environment are
+// one for the process: one document is open at a time.
+class Document {
+public:
+    // Reads the file, links into other files included, and looks up the scripts. Scripts are found below the given
+    // folders, in that order, and below the document's own folder. Throws Failure, exit code 2, for a file that cannot
+    // be read and for a script root that is no folder.
+    explicit Document(std::string const& file, std::vector<std::string> const& scriptRoots = {});
+    ~Document();
+    Document(Document const&) = delete;
+    Document& operator=(Document const&) = delete;
+
+    // The file as the user named it, and its absolute path.
+    std::string const& file() const { return m_file; }
+    std::filesystem::path const& path() const { return m_path; }
+    // The root of the tree, never null.
+    CFCProcessNode& process() const { return *m_process; }
+    // What the reader passed over: connectors whose block is missing, linked files that are missing. Their nodes point
+    // into the tree.
+    std::vector<CFCReadFinding> const& findings() const { return m_findings; }
+    // The folders in which scripts are found, absolute, in order of search.
+    std::vector<std::filesystem::path> const& scriptRoots() const { return m_scriptRoots; }
+
+    // All blocks below the root, at any depth, a container before what is in it, in the order of the file. Nodes that
+    // are no blocks are left out.
+    std::vector<CFCBlockNode*> blocks() const;
+    // The paths of these blocks, and the paths of all variables, for suggestions.
+    std::vector<std::string> blockPaths() const;
+    std::vector<std::string> variablePaths() const;
+    // The block of a path from the root, or else of an identifier that only one block has. Throws Failure, exit code
+    // 2, with near names when there is none, with the paths when there are several.
+    CFCBlockNode& block(std::string const& pathOrId) const;
+    // The variable of a path from the root; "Name" and ".Name" are variables of the process. Throws Failure, exit code
+    // 2, with near names.
+    CFCVariableData& variable(std::string const& path) const;
+
+    // The file that Python would import under the dotted name; none when there is no such file.
+    std::optional<std::filesystem::path> scriptFile(std::string const& name) const;
+    ScriptState scriptState(CFCBlockNode& block) const;
+
+    // Writes the whole tree. What was written is read back before it takes the place of a file that is there, so that
+    // no failure harms that file. Throws Failure, exit code 2.
+    void save(std::string const& out) const;
+
+private:
+    void setRoots(std::vector<std::string> const& scriptRoots);
+    void read();
+    void loadFurtherScripts();
+
+    std::string m_file;
+    std::filesystem::path m_path;
+    std::vector<std::filesystem::path> m_scriptRoots;
+    CFCProcessNode* m_process = nullptr;
+    std::vector<CFCReadFinding> m_findings;
+};
+
+// Path of the node from the root, UTF-8; the empty text for a root without an identifier.
+std::string pathOf(IFCNode& node);
+
+} // namespace flowmere::host

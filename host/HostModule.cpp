@@ -1,0 +1,164 @@
+#include <pybind11/embed.h>
+#include <pybind11/stl.h>
+
+#include "host/HostModule.h"
+
+#include "host/Interpreter.h"
+#include "host/Text.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace py = pybind11;
+
+namespace flowmere::host {
+
+namespace {
+
+constexpr int kFirstGrip = EPortHandle_TopLeft;
+constexpr int kLastGrip = EPortHandle_LeftMiddle;
+
+CFCBlockNode* executingBlock() {
+    CFCExecutive* const executive = getExecutive();
+    return executive != nullptr ? executive->getExeutingBlock() : nullptr;
+}
+
+CFCProcessNode* activeProcess() {
+    CFCExecutive* const executive = getExecutive();
+    return executive != nullptr ? executive->getActiveProcess() : nullptr;
+}
+
+// The executing block's variable of that name, or else the process's; null when neither knows it.
+CFCVariableData* findVariable(std::string const& name) {
+    TuString const text = wide(name);
+    if (CFCBlockNode* const block = executingBlock())
+        if (CFCVariableData* const variable = CFCNodeHelper::FindVariable(text, block))
+            return variable;
+    return CFCNodeHelper::FindVariable(text, activeProcess());
+}
+
+std::vector<std::string> knownNames() {
+    std::vector<std::string> names;
+    for (IFCNode* const owner : {static_cast<IFCNode*>(executingBlock()), static_cast<IFCNode*>(activeProcess())}) {
+        CFCVariableList* const list = owner != nullptr ? owner->GetVariableList() : nullptr;
+        __FCPOSITION* position = list != nullptr ? list->GetHeadPosition() : nullptr;
+        while (position != nullptr)
+            if (CFCVariableData* const variable = list->GetNext(position))
+                names.push_back(utf8(variable->GetVariableName()));
+    }
+    return names;
+}
+
+// The variable at the end of the links. Raises NameError.
+CFCVariableData& actualVariable(std::string const& name) {
+    if (CFCVariableData* const variable = findVariable(name))
+        return *variable->GetActualVariableData();
+    std::string const message = "no variable '" + name + "' on the block '" +
+                                hostServices().interpreter->executingBlock() + "' or on the process" +
+                                suggestion(name, knownNames());
+    ::PyErr_SetString(PyExc_NameError, message.c_str());
+    throw py::error_already_set();
+}
+
+// Bytes that are no UTF-8 go to Python and back as the surrogates that the library has for them.
+py::str toPython(wchar_t const* text) {
+    TuString const copy(text);
+    return py::reinterpret_steal<py::str>(::PyUnicode_FromWideChar(copy, copy.GetLength()));
+}
+
+TuString fromPython(py::str const& text) {
+    Py_ssize_t length = 0;
+    wchar_t* const characters = ::PyUnicode_AsWideCharString(text.ptr(), &length);
+    if (characters == nullptr)
+        throw py::error_already_set();
+    TuString result{std::wstring_view(characters, static_cast<std::size_t>(length))};
+    ::PyMem_Free(characters);
+    return result;
+}
+
+bool knows(std::string const& name) {
+    return findVariable(name) != nullptr;
+}
+
+// Name of the data type, whether it is an array, and the value as text.
+py::tuple readVariable(std::string const& name) {
+    CFCVariableData& variable = actualVariable(name);
+    return py::make_tuple(toPython(variable.GetDataTypeS()), variable.IsArray(), toPython(variable.GetValue()));
+}
+
+void writeVariable(std::string const& name, py::str const& value) {
+    CFCVariableData& variable = actualVariable(name);
+    variable.SetValue(fromPython(value));
+    variable.UpdateValue();
+}
+
+// 0 forward, 1 backward.
+int executionType() {
+    CFCExecutive* const executive = getExecutive();
+    int const mode = executive != nullptr ? static_cast<int>(executive->getExecutionMode()) : 0;
+    return mode == CFCProcessNode::ExecutionUndo || mode == CFCProcessNode::ExecutionUndoStep ? 1 : 0;
+}
+
+CFCBlockNode& requiredBlock() {
+    if (CFCBlockNode* const block = executingBlock())
+        return *block;
+    throw py::value_error("no block is executing");
+}
+
+void setActiveHandle(int handle) {
+    if (handle < kFirstGrip || handle > kLastGrip)
+        throw py::value_error("a grip is a number from 1 to 8, not " + std::to_string(handle));
+    requiredBlock().SetActiveHandle(handle);
+}
+
+int activeHandle() {
+    return requiredBlock().GetActiveHandle();
+}
+
+void writeHistory(std::string const& text) {
+    if (hostServices().writeHistory)
+        hostServices().writeHistory(text);
+}
+
+std::string executingPath() {
+    return hostServices().interpreter != nullptr ? hostServices().interpreter->executingBlock() : std::string();
+}
+
+void reportError(std::string const& type, std::string const& text, std::string const& traceback, bool interrupt) {
+    if (Interpreter* const interpreter = hostServices().interpreter)
+        interpreter->addError({executingPath(), type, text, traceback, interrupt});
+}
+
+} // namespace
+
+HostServices& hostServices() {
+    static HostServices services;
+    return services;
+}
+
+} // namespace flowmere::host
+
+PYBIND11_EMBEDDED_MODULE(_flowmere, module) {
+    using namespace flowmere::host;
+    module.doc() = "The running process, for the modules that generated scripts import";
+    module.def("knows", &knows);
+    module.def("read_variable", &readVariable);
+    module.def("write_variable", &writeVariable);
+    module.def("execution_type", &executionType);
+    module.def("set_active_handle", &setActiveHandle);
+    module.def("active_handle", &activeHandle);
+    module.def("write_history", &writeHistory);
+    module.def("executing_path", &executingPath);
+    module.def("document_path", [] { return hostServices().documentPath; });
+    module.def("report_error", &reportError);
+}
+
+namespace flowmere::host {
+
+// The macro above enters the module before main() begins, as long as this file is linked: which this call sees to.
+void registerHostModule() {
+    hostServices();
+}
+
+} // namespace flowmere::host
