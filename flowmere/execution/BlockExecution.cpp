@@ -1,6 +1,7 @@
 // What a block does with its script: members of CFCBlockNode that need the bridge to the interpreter.
 #include "flowmere/execution/FCPythonInterface.h"
 #include "flowmere/foundation/TuString.h"
+#include "flowmere/model/BlockWatch.h"
 #include "flowmere/model/FCBlockNode.h"
 
 #include <string_view>
@@ -16,6 +17,8 @@ int CFCBlockNode::CheckBlockExecuteMethod(char const* method) {
 }
 
 int CFCBlockNode::ExecuteBlockMethod(char const* method) {
+    // The script may destroy this very block.
+    flowmere::BlockWatch const self(this);
     SetExecutingFlag(true);
     if (GetScriptType() == EScriptType_PYTHON) {
         CFCPythonInterface python;
@@ -30,10 +33,15 @@ int CFCBlockNode::ExecuteBlockMethod(char const* method) {
         }
         if (debugger != nullptr) {
             python.executeBlockInterfaceDebug(name.GetAnsiBuffer(), method, &status, debugger);
-            FinishDebug();
+            if (self.isAlive()) {
+                FinishDebug();
+            }
         } else {
             python.executeBlockInterface(name.GetAnsiBuffer(), method, &status);
         }
+    }
+    if (!self.isAlive()) {
+        return 1;
     }
     SetExecutedFlag(method == nullptr || std::string_view(method) != "Undo");
     SetExecutingFlag(false);

@@ -6,6 +6,7 @@
 #include "flowmere/foundation/TuMemory.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -128,6 +129,10 @@ void freeText(_CFCResourceTable& resource) {
 }
 
 void storePointer(_CFCResourceTable& resource, void const* pointer) {
+    // The record's own text may come back as a pointer; it stays the record's.
+    if (resource.ownsText && storedPointer(resource) == pointer)
+        return;
+    freeText(resource);
     std::memcpy(resource.value, &pointer, sizeof(pointer));
 }
 
@@ -147,7 +152,6 @@ constexpr ValueForm kValueForms[] = {
 void storeValue(_CFCResourceTable& resource, std::string_view type, void const* value) {
     bool const isPointer = type == "object" || type == "pointer" || type == "command";
     if (isPointer || type == "hashtable") {
-        freeText(resource);
         storePointer(resource, value);
         if (!isPointer)
             resource.type = 11;
@@ -155,7 +159,6 @@ void storeValue(_CFCResourceTable& resource, std::string_view type, void const* 
         return;
     } else if (type == "string") {
         char* const text = TuStrDup(static_cast<char const*>(value), __FILE__, __LINE__);
-        freeText(resource);
         storePointer(resource, text);
         resource.ownsText = true;
         resource.type = 5;
@@ -172,8 +175,11 @@ void storeValue(_CFCResourceTable& resource, std::string_view type, void const* 
                                                    [&](ValueForm const& candidate) { return candidate.type == type; });
         if (form == std::end(kValueForms))
             return;
+        // The value may lie in the record itself: in its text, or in its value area.
+        std::array<unsigned char, sizeof(resource.value)> copy{};
+        std::memcpy(copy.data(), value, form->size);
         freeText(resource);
-        std::memcpy(resource.value, value, form->size);
+        std::memcpy(resource.value, copy.data(), form->size);
         resource.type = form->code;
     }
     resource.arrayCount = 0;
@@ -224,9 +230,8 @@ int CFCCommand::SetValues(char const* name, char const* type, void const* value,
         return -1;
     }
     if (count != 0) {
-        freeText(*resource);
-        resource->arrayCount = count;
         storePointer(*resource, value);
+        resource->arrayCount = count;
         resource->isSet = true;
     } else {
         storeValue(*resource, type != nullptr ? type : "", value);
@@ -377,7 +382,8 @@ bool CFCCommand::validateInput(_CFCCommandTable* command) {
     if (command == nullptr)
         return false;
     bool allKnown = true;
-    for (int index = 0; index < command->argumentCount; ++index) {
+    int const count = std::min(command->argumentCount, static_cast<int>(std::size(command->arguments)));
+    for (int index = 0; index < count; ++index) {
         _CFCResourceTable* const resource = getResourceFromName(command->arguments[index]);
         if (resource == nullptr)
             allKnown = false;

@@ -4,8 +4,7 @@
 #include "flowmere/execution/FCExecutive.h"
 #include "flowmere/execution/Tpy.h"
 #include "flowmere/foundation/Encoding.h"
-#include "flowmere/model/FCNodeManager.h"
-#include "flowmere/model/FCPointerConverter.h"
+#include "flowmere/model/BlockWatch.h"
 
 #include <string>
 
@@ -29,19 +28,6 @@ bool isBackward(int mode) {
     return mode == kUndo || mode == kUndoStep;
 }
 
-// A script may destroy what it runs on; a node that is gone has left its handle.
-class NodeWatch {
-public:
-    explicit NodeWatch(IFCNode* node) : m_pNode(node), m_nHandle(node != nullptr ? node->GetNodeHandle() : 0) {}
-    bool isAlive() const {
-        return m_pNode != nullptr && m_nHandle > 0 && CFCNodeManager::GetNode(m_nHandle) == m_pNode;
-    }
-
-private:
-    IFCNode* m_pNode;
-    int m_nHandle;
-};
-
 CFCProcessNode* activeProcessOf(CFCExecutive* executive) {
     return executive != nullptr ? executive->getActiveProcess() : nullptr;
 }
@@ -49,7 +35,24 @@ CFCProcessNode* activeProcessOf(CFCExecutive* executive) {
 } // namespace
 
 FCExecutionMechanism::FCExecutionMechanism() {
+    flowmere::watchBlocks(this, &FCExecutionMechanism::forget);
     currentMechanism = this;
+}
+
+FCExecutionMechanism::FCExecutionMechanism(FCExecutionMechanism const& other)
+    : window(other.window), block(other.block), executionType(other.executionType), running(other.running),
+      mode(other.mode) {
+    flowmere::watchBlocks(this, &FCExecutionMechanism::forget);
+}
+
+FCExecutionMechanism::~FCExecutionMechanism() {
+    flowmere::unwatchBlocks(this);
+}
+
+void FCExecutionMechanism::forget(void* self, CFCBlockNode* gone) {
+    auto* const mechanism = static_cast<FCExecutionMechanism*>(self);
+    if (mechanism->block == gone)
+        mechanism->block = nullptr;
 }
 
 void FCExecutionMechanism::setExecutingBlock(CFCBlockNode* value) {
@@ -173,10 +176,8 @@ void FCExecutionMechanism::TProcessTimerProc(void*, unsigned int, unsigned int, 
         running = false;
         return;
     }
-    bool const backward = isBackward(mode);
-    if (backward) {
-        CFCBlockNode* const before = executive->getExeutingBlock();
-        NodeWatch const beforeWatch(before);
+    if (isBackward(mode)) {
+        flowmere::BlockWatch const beforeWatch(executive->getExeutingBlock());
         executive->setExeutingBlock(block);
         int const answer = block->CheckBlockExecuteMethod("CanUndo");
         executive = getExecutive();
@@ -185,15 +186,16 @@ void FCExecutionMechanism::TProcessTimerProc(void*, unsigned int, unsigned int, 
             return;
         }
         process = executive->getActiveProcess();
-        setCurrent(*executive, beforeWatch.isAlive() ? before : nullptr);
+        setCurrent(*executive, beforeWatch.block());
         if (answer != 1 || block == nullptr) {
             running = false;
             return;
         }
     }
 
+    bool const backward = isBackward(mode);
     CFCBlockNode* const current = block;
-    NodeWatch const currentWatch(current);
+    flowmere::BlockWatch const currentWatch(current);
     process->setExecutionStatus(static_cast<CFCProcessNode::CFCProcessExecutionStatus>(kBlockStarted));
     process->setProcessSaveStatus(static_cast<CFCProcessNode::CFCProcessSaveStatus>(1));
     current->SetExecutingFlag(true);
@@ -221,8 +223,6 @@ void FCExecutionMechanism::TProcessTimerProc(void*, unsigned int, unsigned int, 
     }
     if (currentWatch.isAlive())
         current->SetExecutingFlag(false);
-    else if (block == current)
-        setCurrent(*executive, nullptr);
     process->SetExecutedFlag(true);
     if (block == nullptr) {
         running = false;
@@ -232,9 +232,8 @@ void FCExecutionMechanism::TProcessTimerProc(void*, unsigned int, unsigned int, 
     CFCBlockNode* next = isBackward(mode) ? block->getPreviouslyExecutedBlock() : block->GetNextConnectedBlock();
     if (next != nullptr) {
         if (next->GetSkipFlag()) {
-            CFCBlockNode* const done = block;
-            NodeWatch const doneWatch(done);
-            NodeWatch const nextWatch(next);
+            flowmere::BlockWatch const doneWatch(block);
+            flowmere::BlockWatch const nextWatch(next);
             setCurrent(*executive, next);
             next->CheckBlockExecuteMethod("CanSkip");
             executive = getExecutive();
@@ -242,9 +241,8 @@ void FCExecutionMechanism::TProcessTimerProc(void*, unsigned int, unsigned int, 
                 running = false;
                 return;
             }
-            setCurrent(*executive, doneWatch.isAlive() ? done : nullptr);
-            if (!nextWatch.isAlive())
-                next = nullptr;
+            setCurrent(*executive, doneWatch.block());
+            next = nextWatch.block();
         }
         if (next != nullptr)
             next->setPreviouslyExecutedBlock(block);

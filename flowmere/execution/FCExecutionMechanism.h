@@ -14,10 +14,10 @@ class CFCWindow;
 class FLOWMERE_API FCExecutionMechanism {
 public:
     FCExecutionMechanism();
-    FCExecutionMechanism(FCExecutionMechanism const&) = default;
+    FCExecutionMechanism(FCExecutionMechanism const& other);
     FCExecutionMechanism& operator=(FCExecutionMechanism const&) = default;
     // Not virtual: a derived mechanism is destroyed by its own type.
-    ~FCExecutionMechanism() = default;
+    ~FCExecutionMechanism();
 
     // One tick; has the shape of a timer callback, and looks at none of its arguments.
     virtual void TProcessTimerProc(void* window, unsigned int message, unsigned int timer, void* time);
@@ -41,7 +41,7 @@ public:
 
     CFCProcessNode::CFCProcessExecutionType getExecutionMode() const { return executionType; }
     CFCWindow* getFCWindow() const { return window; }
-    // The block that the next tick runs; null at the end of the flow.
+    // The block that the next tick runs; null at the end of the flow and when that block was destroyed.
     CFCBlockNode* getExecutingBlock() const { return block; }
     // True while the loop of a command is to go on.
     bool isRunning() const { return running; }
@@ -54,6 +54,7 @@ protected:
     CFCProcessNode::CFCProcessExecutionMode mode = static_cast<CFCProcessNode::CFCProcessExecutionMode>(0);
 
 private:
+    static void forget(void* self, CFCBlockNode* gone);
     bool runLoop();
     bool undoIn(int undoMode);
     void setDirection(CFCExecutive& executive, int value);

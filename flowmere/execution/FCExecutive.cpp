@@ -1,5 +1,7 @@
 #include "flowmere/execution/FCExecutive.h"
 
+#include "flowmere/model/BlockWatch.h"
+
 namespace {
 
 CFCExecutive* currentExecutive = nullptr;
@@ -7,12 +9,15 @@ CFCExecutive* currentExecutive = nullptr;
 } // namespace
 
 CFCExecutive::CFCExecutive() {
+    flowmere::watchBlocks(this, &CFCExecutive::forget);
     currentExecutive = this;
 }
 
 CFCExecutive::CFCExecutive(CFCExecutive const& other)
     : activeProcess(other.activeProcess), executingBlock(other.executingBlock), executionMode(other.executionMode),
-      ownsProcess(false) {}
+      ownsProcess(false) {
+    flowmere::watchBlocks(this, &CFCExecutive::forget);
+}
 
 CFCExecutive& CFCExecutive::operator=(CFCExecutive const& other) {
     if (this == &other)
@@ -25,9 +30,19 @@ CFCExecutive& CFCExecutive::operator=(CFCExecutive const& other) {
 }
 
 CFCExecutive::~CFCExecutive() {
+    flowmere::unwatchBlocks(this);
     if (ownsProcess)
         delete activeProcess;
     activeProcess = nullptr;
+}
+
+// Scripts and hosts may destroy what runs.
+void CFCExecutive::forget(void* self, CFCBlockNode* gone) {
+    auto* const executive = static_cast<CFCExecutive*>(self);
+    if (executive->activeProcess == gone)
+        executive->activeProcess = nullptr;
+    if (executive->executingBlock == gone)
+        executive->executingBlock = nullptr;
 }
 
 void CFCExecutive::setActiveProcess(CFCProcessNode* process) {

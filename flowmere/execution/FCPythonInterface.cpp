@@ -4,6 +4,7 @@
 #include "flowmere/execution/Tpy.h"
 #include "flowmere/foundation/Encoding.h"
 #include "flowmere/foundation/TuString.h"
+#include "flowmere/model/BlockWatch.h"
 #include "flowmere/model/FCBlockNode.h"
 
 #include <array>
@@ -109,6 +110,7 @@ void CFCPythonInterface::reloadCompanion(char const* script) {
 
 PyObject* CFCPythonInterface::makeInstance(PyObject* module, char const* script, PyObject* arguments,
                                            bool* notCallable) {
+    keepError(); // of the arguments
     PyObject* const type = tpy::PyObject_GetAttrString(module, classNameOf(script));
     keepError();
     *notCallable = type != nullptr && tpy::PyCallable_Check(type) == 0;
@@ -126,8 +128,10 @@ int CFCPythonInterface::executeBlock(char const* script, char const* method, int
     if (block != nullptr) {
         TuString const wideMethod(method);
         if (PyObject* const debugger = block->PrepareAndGetDebuggerObject(wideMethod)) {
+            flowmere::BlockWatch const watch(block);
             int const result = executeBlockInterfaceDebug(script, method, status, debugger);
-            block->FinishDebug();
+            if (watch.isAlive())
+                block->FinishDebug();
             return result;
         }
     }
@@ -168,11 +172,11 @@ int CFCPythonInterface::executeBlockInterface(char const* script, char const* me
 int CFCPythonInterface::executeBlockInterfaceDebug(char const* script, char const* method, int* status,
                                                    PyObject* debugger) {
     setDone(status);
-    if (script == nullptr || method == nullptr)
-        return 0;
-    char const* const dot = std::strrchr(script, '.');
+    char const* const dot = script != nullptr ? std::strrchr(script, '.') : nullptr;
     if (dot == nullptr || dot == script)
         return 0;
+    if (method == nullptr)
+        return -1;
     keepError();
     std::string const package(script, dot);
     std::string const type(dot + 1);

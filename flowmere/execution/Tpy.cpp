@@ -62,13 +62,24 @@ void PyErr_Print() {
     ::PySys_SetObject("last_value", value);
     ::PySys_SetObject("last_traceback", traceback);
     PyObject* const hook = ::PySys_GetObject("excepthook");
+    ::Py_IncRef(hook); // a hook may put another one in its place
     PyObject* const result =
         hook != nullptr ? ::PyObject_CallFunctionObjArgs(hook, error.type, value, traceback, nullptr) : nullptr;
-    if (result == nullptr) {
-        ::PyErr_Clear();
+    if (hook == nullptr) {
+        ::PySys_WriteStderr("sys.excepthook is missing\n");
         ::PyErr_Display(error.type, value, traceback);
+    } else if (result == nullptr) {
+        // Both errors are shown: that of the hook, and the one it was to report.
+        ErrorState ofHook = takeError();
+        ::PyErr_NormalizeException(&ofHook.type, &ofHook.value, &ofHook.traceback);
+        ::PySys_WriteStderr("Error in sys.excepthook:\n");
+        ::PyErr_Display(ofHook.type, ofHook.value, ofHook.traceback);
+        ::PySys_WriteStderr("\nOriginal exception was:\n");
+        ::PyErr_Display(error.type, value, traceback);
+        release(ofHook);
     }
     ::Py_DecRef(result);
+    ::Py_DecRef(hook);
     release(error);
     ::PyErr_Clear();
 }
@@ -203,16 +214,27 @@ void release(ErrorState const& error) {
     ::Py_DecRef(error.traceback);
 }
 
-void removeCachedBytecode(PyObject* module) {
-    PyObject* const cached = ::PyObject_GetAttrString(module, "__cached__");
-    if (cached != nullptr && PyUnicode_Check(cached)) {
-        if (char const* const path = ::PyUnicode_AsUTF8(cached)) {
-            std::error_code ignored;
-            std::filesystem::remove(path, ignored);
-        }
-    }
-    ::Py_DecRef(cached);
+namespace {
+
+// Text of an attribute; empty when it is missing or no text.
+std::string textAttribute(PyObject* object, char const* name) {
+    PyObject* const value = ::PyObject_GetAttrString(object, name);
+    char const* const text = value != nullptr && PyUnicode_Check(value) ? ::PyUnicode_AsUTF8(value) : nullptr;
+    std::string result = text != nullptr ? text : "";
+    ::Py_DecRef(value);
     ::PyErr_Clear();
+    return result;
+}
+
+} // namespace
+
+void removeCachedBytecode(PyObject* module) {
+    std::string const cached = textAttribute(module, "__cached__");
+    // Without source the compiled form is the module itself.
+    if (cached.empty() || cached == textAttribute(module, "__file__"))
+        return;
+    std::error_code ignored;
+    std::filesystem::remove(cached, ignored);
 }
 
 void sleepWithoutLock() {

@@ -50,7 +50,7 @@ void putErrorBack(ErrorState const& error);
 bool isMissingModule(ErrorState const& error, char const* moduleName);
 void release(ErrorState const& error);
 // Removes the compiled form of a module: it is valid by whole seconds and length of the source, so
-// a quick edit of the same length would otherwise run the old text.
+// a quick edit of the same length would otherwise run the old text. A module without source is left alone.
 void removeCachedBytecode(PyObject* module);
 // Lets other Python threads run for a millisecond when this thread holds the interpreter lock.
 void sleepWithoutLock();

@@ -1,5 +1,6 @@
 #include "flowmere/model/FCBlockNode.h"
 
+#include "flowmere/model/BlockWatch.h"
 #include "flowmere/model/ChildIndex.h"
 #include "flowmere/model/ConnectorIndex.h"
 #include "flowmere/model/FCPointerConverter.h"
@@ -43,7 +44,9 @@ CFCBlockNode& CFCBlockNode::operator=(CFCBlockNode const& other) {
     return *this;
 }
 
-CFCBlockNode::~CFCBlockNode() = default;
+CFCBlockNode::~CFCBlockNode() {
+    flowmere::blockGoes(this);
+}
 
 // Node operations
 

@@ -2,6 +2,9 @@
 
 #include "flowmere/model/FCBlockNode.h"
 
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -47,6 +50,37 @@ public:
     bool prepares = true;
     PyObject* debugger = nullptr;
     std::vector<std::string> calls;
+};
+
+// A block whose memory is marked when it goes, and given back only when the test has looked at it.
+class MarkedBlock : public DebuggedBlock {
+public:
+    ~MarkedBlock() override = default;
+    static void* operator new(std::size_t size) {
+        s_size = size;
+        s_memory = static_cast<unsigned char*>(std::malloc(size));
+        return s_memory;
+    }
+    static void operator delete(void* memory) {
+        std::memset(memory, kMark, s_size);
+        s_gone = true;
+    }
+    // True when the block went, and nothing was written to it since. Gives the memory back.
+    static bool wentUntouched() {
+        bool untouched = s_gone;
+        for (std::size_t index = 0; untouched && index < s_size; ++index)
+            untouched = s_memory[index] == kMark;
+        std::free(s_memory);
+        s_memory = nullptr;
+        s_gone = false;
+        return untouched;
+    }
+
+private:
+    static constexpr int kMark = 0xDD;
+    static inline std::size_t s_size = 0;
+    static inline unsigned char* s_memory = nullptr;
+    static inline bool s_gone = false;
 };
 
 class BlockExecution : public PythonTest {
@@ -188,6 +222,39 @@ TEST_F(BlockExecution, EachRunSeesTheCurrentText) {
     module("Changing.py", changed);
     EXPECT_EQ(block.ExecuteBlockMethod("Execute"), 1);
     EXPECT_TRUE(events("['Execute', 'Changed']"));
+}
+
+// A script that destroys the block it runs on
+
+TEST_F(BlockExecution, ScriptMayDestroyItsBlock) {
+    module("Ending.py", "import record\nclass Ending:\n    def __init__(self, argument):\n        pass\n"
+                        "    def Execute(self):\n        record.call()\n"
+                        "    def CanUndo(self):\n        record.call()\n");
+    for (char const* method : {"Execute", "CanUndo"}) {
+        MarkedBlock* const block = new MarkedBlock;
+        givePythonScript(*block, L"Ending");
+        onScriptCall([block] { delete block; });
+        int const result = std::string(method) == "Execute" ? block->ExecuteBlockMethod(method)
+                                                            : block->CheckBlockExecuteMethod(method);
+        EXPECT_EQ(result, 1) << method;
+        EXPECT_TRUE(MarkedBlock::wentUntouched()) << method;
+    }
+    EXPECT_EQ(errorCount(), 0);
+}
+
+TEST_F(BlockExecution, ScriptUnderADebuggerMayDestroyItsBlock) {
+    module("pkg/__init__.py", "");
+    module("pkg/Ending.py", "import record\nclass Ending:\n    def __init__(self, argument):\n        pass\n"
+                            "    def Execute(self):\n        record.call()\n");
+    MarkedBlock* const block = new MarkedBlock;
+    givePythonScript(*block, L"pkg.Ending");
+    block->SetBreakPointFlag(true);
+    block->debugger = makeDebugger();
+    onScriptCall([block] { delete block; });
+    EXPECT_EQ(block->ExecuteBlockMethod("Execute"), 1);
+    EXPECT_TRUE(MarkedBlock::wentUntouched());
+    EXPECT_TRUE(events("['run']"));
+    EXPECT_EQ(errorCount(), 0);
 }
 
 // Under a debugger

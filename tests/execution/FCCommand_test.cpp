@@ -1,5 +1,6 @@
 #include "flowmere/execution/FCCommand.h"
 #include "flowmere/execution/FCExecutionMechanism.h"
+#include "flowmere/foundation/TuConsole.h"
 #include "flowmere/foundation/TuMemory.h"
 
 #include <gtest/gtest.h>
@@ -228,6 +229,13 @@ TEST(FCCommand, ValidationCollectsTheResourcesWithAValue) {
         argument = "Project Directory";
     EXPECT_TRUE(command.validateInput(&many));
     EXPECT_EQ(command.foundCount, 25);
+    // A count beyond the names there are reaches no further than they do.
+    many.argumentCount = 1000;
+    EXPECT_TRUE(command.validateInput(&many));
+    EXPECT_EQ(command.foundCount, 25);
+    many.argumentCount = -1;
+    EXPECT_TRUE(command.validateInput(&many));
+    EXPECT_EQ(command.foundCount, 0);
     EXPECT_FALSE(command.validateInput(nullptr));
 }
 
@@ -320,6 +328,47 @@ TEST(FCCommand, ArraysAreKeptAsTheyAreGiven) {
     command.SetValues("Project Name", "string", "scalar", 0);
     EXPECT_STREQ(storedText(command, "Project Name"), "scalar");
     EXPECT_EQ(command.getResourceFromName("Project Name")->arrayCount, 0);
+}
+
+TEST(FCCommand, ValuesMayComeFromTheRecordItself) {
+    Command command;
+    command.SetValues("Project Name", "string",
+                      "text that is long enough for the numbers of a matrix: "
+                      "0123456789012345678901234567890123456789012345678901234567890123456789"
+                      "0123456789",
+                      0);
+    std::string const text = storedText(command, "Project Name");
+    // Its text, as a new text, as a pointer, and as the bytes of other values.
+    command.SetValues("Project Name", "string", storedText(command, "Project Name"), 0);
+    EXPECT_EQ(storedText(command, "Project Name"), text);
+    command.SetValues("Project Name", "pointer", storedText(command, "Project Name"), 0);
+    EXPECT_EQ(storedText(command, "Project Name"), text) << "the text stays the record's";
+    command.SetValues("Project Name", "string", storedText(command, "Project Name"), 3);
+    EXPECT_EQ(storedText(command, "Project Name"), text) << "as an array, too";
+    command.SetValues("Project Name", "matrix", storedText(command, "Project Name"), 0);
+    unsigned char const* area = nullptr;
+    ASSERT_EQ(command.GetValues("Project Name", &area, nullptr), 0);
+    EXPECT_EQ(std::memcmp(area, text.data(), 16 * sizeof(double)), 0);
+    // A value area, as another form of itself.
+    command.SetValues("Project Name", "point2", area, 0);
+    ASSERT_EQ(command.GetValues("Project Name", &area, nullptr), 0);
+    EXPECT_EQ(std::memcmp(area, text.data(), 2 * sizeof(double)), 0);
+    command.SetValues("Project Name", "string", "done", 0);
+    EXPECT_STREQ(storedText(command, "Project Name"), "done");
+}
+
+TEST(FCCommand, MessagesGoThroughTheTranslation) {
+    Command command;
+    static std::vector<int> flags;
+    flags.clear();
+    TuSetTranslator([](wchar_t const* text, int flag) -> wchar_t const* {
+        flags.push_back(flag);
+        return TuString(text) == L"Resource not found\n" ? L"Nicht da\n" : nullptr;
+    });
+    EXPECT_EQ(command.SetValues("No Such", "int", nullptr, 0), -1);
+    TuSetTranslator(nullptr);
+    EXPECT_EQ(lastError(command), L"Nicht da\n");
+    EXPECT_EQ(flags, std::vector<int>{0});
 }
 
 TEST(FCCommand, UnknownTypeChangesNothing) {
@@ -462,8 +511,13 @@ TEST(FCCommandDeathTest, ObjectIsMadeAndActivatedOnFirstUse) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
+            class Open : public CFCCommand {
+            public:
+                static bool isActivated(CFCCommand const& command) { return command.*(&Open::m_bActivated); }
+            };
             CFCCommand* const first = activateFlowmereCommand();
-            bool const good = first != nullptr && activateFlowmereCommand() == first && getExecutive() != nullptr &&
+            bool const good = first != nullptr && Open::isActivated(*first) && first != nullptr &&
+                              activateFlowmereCommand() == first && getExecutive() != nullptr &&
                               first->getExecutionMechanism() == nullptr;
             std::_Exit(good ? 0 : 3);
         },

@@ -37,6 +37,7 @@ public:
     void tick() { TProcessTimerProc(nullptr, 0, 0, nullptr); }
     Mode direction() const { return mode; }
     void setDirection(Mode value) { mode = value; }
+    void setRunning(bool value) { running = value; }
     bool movesStatus = true;
     int ticks = 0;
 };
@@ -131,6 +132,7 @@ TEST_F(FCExecutionMechanismTest, CommandsWithoutAnActiveProcessAreFalse) {
     EXPECT_FALSE(mechanism.onStep());
     EXPECT_FALSE(mechanism.onUndo());
     EXPECT_FALSE(mechanism.onUndoStep());
+    mechanism.setRunning(true);
     mechanism.tick();
     EXPECT_FALSE(mechanism.isRunning());
     getExecutive()->setActiveProcess(process);
@@ -150,8 +152,12 @@ TEST_F(FCExecutionMechanismTest, TickRunsOneBlockAndFindsTheNext) {
     EXPECT_EQ(mechanism.getExecutingBlock(), b);
     EXPECT_EQ(getExecutive()->getExeutingBlock(), b);
     EXPECT_EQ(b->getPreviouslyExecutedBlock(), a);
-    // Until the host moves the status nothing more happens.
-    mechanism.tick();
+    // Until the host moves the status nothing more happens, and the loop is left as it is.
+    for (bool running : {true, false}) {
+        mechanism.setRunning(running);
+        mechanism.tick();
+        EXPECT_EQ(mechanism.isRunning(), running);
+    }
     EXPECT_TRUE(events("['A.Execute']"));
 }
 
@@ -200,6 +206,85 @@ TEST_F(FCExecutionMechanismTest, LoopWaitsUntilAnotherThreadOfTheScriptCallsTheB
     runPython("record.thread.join()");
     EXPECT_GT(waiting.waits, 1);
     EXPECT_TRUE(events("['A.Execute', 'B.Execute']"));
+}
+
+TEST_F(FCExecutionMechanismTest, LoopLeavesTheInterpreterToAThreadThatCallsTheBlockDone) {
+    a = block(L"A");
+    b = block(L"B");
+    connect(a, b);
+    // The thread comes to its turn only when the waiting loop gives the interpreter lock up.
+    onScriptCall([this] {
+        if (process->getExecutionStatus() == Status::ExecutionRunning)
+            process->setExecutionStatus(Status::ExecutionReady);
+    });
+    runPython("import threading, time\nrecord.done = False\n"
+              "def _finish():\n    while not record.done:\n        time.sleep(0.005)\n        record.call()\n"
+              "record.thread = threading.Thread(target=_finish)\nrecord.thread.start()");
+    FCExecutionMechanism plain;
+    EXPECT_TRUE(plain.onBegin());
+    EXPECT_FALSE(plain.isRunning());
+    runPython("record.done = True\nrecord.thread.join()");
+    EXPECT_TRUE(events("['A.Execute', 'B.Execute']"));
+}
+
+TEST_F(FCExecutionMechanismTest, StatusMovedByTheScriptItselfKeepsTheLoopGoing) {
+    row();
+    for (char const* name : {"A", "B", "C"})
+        module("blk_" + std::string(name) + ".py", "import record\nclass blk_" + std::string(name) +
+                                                       ":\n    def __init__(self, argument):\n        pass\n"
+                                                       "    def Execute(self):\n        record.events.append('" +
+                                                       name + "')\n        record.call()\n");
+    onScriptCall([this] { process->setExecutionStatus(Status::ExecutionDone); });
+    FCExecutionMechanism plain;
+    EXPECT_TRUE(plain.onBegin());
+    EXPECT_TRUE(events("['A', 'B', 'C']"));
+    EXPECT_FALSE(plain.isRunning());
+}
+
+TEST_F(FCExecutionMechanismTest, ScriptRunsWithItsBlockExecutingAndNotExecuted) {
+    row();
+    a->SetExecutedFlag(true);
+    a->SetExecutionStateType(static_cast<EExecutionStateType>(6));
+    module("blk_A.py", "import record\nclass blk_A:\n    def __init__(self, argument):\n        pass\n"
+                       "    def Execute(self):\n        record.call()\n");
+    int calls = 0;
+    onScriptCall([&] {
+        ++calls;
+        EXPECT_TRUE(a->GetExecutingFlag());
+        EXPECT_FALSE(a->GetExecutedFlag());
+        EXPECT_FALSE(process->GetExecutedFlag());
+        EXPECT_EQ(process->getExecutionStatus(), Status::ExecutionRunning);
+        EXPECT_EQ(mechanism.getExecutingBlock(), a);
+        EXPECT_EQ(getExecutive()->getExeutingBlock(), a);
+    });
+    mechanism.onBegin();
+    getExecutive()->setExeutingBlock(nullptr);
+    mechanism.tick();
+    EXPECT_EQ(calls, 1);
+    EXPECT_TRUE(a->GetExecutedFlag());
+    EXPECT_EQ(a->GetExecutionStateType(), static_cast<EExecutionStateType>(6)) << "the state is the host's";
+}
+
+TEST_F(FCExecutionMechanismTest, UndoTickAsksTheBlockAndGoesOnWithThatOfTheExecutive) {
+    row();
+    mechanism.onBegin();
+    mechanism.tick();
+    // The two differ only where a host sets them apart.
+    mechanism.setDirection(Mode::ExecutionUndo);
+    mechanism.setExecutingBlock(b);
+    getExecutive()->setExeutingBlock(a);
+    clearEvents();
+    mechanism.tick();
+    EXPECT_TRUE(events("['B.CanUndo', 'A.Undo']"));
+    // And where the executive has none, nothing is undone.
+    mechanism.setExecutingBlock(b);
+    getExecutive()->setExeutingBlock(nullptr);
+    clearEvents();
+    mechanism.setRunning(true);
+    mechanism.tick();
+    EXPECT_TRUE(events("['B.CanUndo']"));
+    EXPECT_EQ(mechanism.getExecutingBlock(), nullptr);
+    EXPECT_FALSE(mechanism.isRunning());
 }
 
 TEST_F(FCExecutionMechanismTest, StepRunsExactlyOneBlock) {
@@ -251,6 +336,7 @@ TEST_F(FCExecutionMechanismTest, UndoAtTheFirstBlockComesToNothing) {
     mechanism.onBegin();
     EXPECT_TRUE(mechanism.onUndo());
     EXPECT_EQ(mechanism.getExecutingBlock(), nullptr);
+    mechanism.setRunning(true);
     mechanism.tick();
     EXPECT_FALSE(mechanism.isRunning());
     EXPECT_TRUE(events("[]"));
@@ -269,6 +355,10 @@ TEST_F(FCExecutionMechanismTest, UndoStepGoesBackToTheBlockThatTheFlowCameFrom) 
     EXPECT_FALSE(b->GetExecutedFlag());
     EXPECT_EQ(mechanism.getExecutingBlock(), a);
     EXPECT_EQ(a->getPreviouslyExecutedBlock(), b) << "the way back turns the chain around";
+    // Another step from the first block leads to the second.
+    mechanism.setRunning(true);
+    mechanism.tick();
+    EXPECT_EQ(mechanism.getExecutingBlock(), b);
     EXPECT_FALSE(mechanism.isRunning());
 }
 
@@ -426,6 +516,123 @@ TEST_F(FCExecutionMechanismTest, ForwardTickLeavesTheMessageOfTheHook) {
     EXPECT_EQ(TuString(text), L"Resource not found\n");
 }
 
+// What scripts may destroy.
+
+TEST_F(FCExecutionMechanismTest, EndOfACopyOfABlockHindersNothing) {
+    row();
+    { CFCBlockNode const copy(*a); }
+    b->SetNodeHandle(a->GetNodeHandle());
+    mechanism.onBegin();
+    mechanism.tick();
+    mechanism.tick();
+    EXPECT_TRUE(events("['A.Execute', 'B.Execute']"));
+    EXPECT_EQ(mechanism.getExecutingBlock(), c);
+}
+
+TEST_F(FCExecutionMechanismTest, ScriptThatDestroysItsBlockEndsTheRun) {
+    for (bool backward : {false, true}) {
+        row();
+        mechanism.setDirection(Mode::ExecutionContinue);
+        mechanism.onBegin();
+        mechanism.tick();
+        if (backward) {
+            mechanism.setDirection(Mode::ExecutionUndo);
+        }
+        module("blk_B.py", "import record\nclass blk_B:\n    def __init__(self, argument):\n        pass\n"
+                           "    def CanUndo(self):\n        pass\n"
+                           "    def Execute(self):\n        record.call()\n"
+                           "    def Undo(self):\n        record.call()\n");
+        onScriptCall([this] {
+            b->RemoveConnectors();
+            b->Delete();
+        });
+        mechanism.setRunning(true);
+        process->SetExecutedFlag(false);
+        mechanism.tick();
+        EXPECT_EQ(mechanism.getExecutingBlock(), nullptr);
+        EXPECT_EQ(getExecutive()->getExeutingBlock(), nullptr);
+        EXPECT_FALSE(mechanism.isRunning());
+        EXPECT_TRUE(process->GetExecutedFlag());
+        EXPECT_EQ(errorCount(), 0);
+        for (CFCBlockNode* node : {a, c}) {
+            node->RemoveConnectors();
+            node->Delete();
+        }
+    }
+}
+
+TEST_F(FCExecutionMechanismTest, QuestionThatDestroysItsBlockEndsTheRun) {
+    for (char const* question : {"CanUndo", "CanSkip"}) {
+        row();
+        bool const backward = std::string(question) == "CanUndo";
+        mechanism.setDirection(Mode::ExecutionContinue);
+        b->SetSkipFlag(!backward);
+        mechanism.onBegin();
+        if (backward) {
+            mechanism.tick();
+            mechanism.setDirection(Mode::ExecutionUndo);
+        }
+        module("blk_B.py", "import record\nclass blk_B:\n    def __init__(self, argument):\n        pass\n    def " +
+                               std::string(question) + "(self):\n        record.call()\n");
+        onScriptCall([this] {
+            b->RemoveConnectors();
+            b->Delete();
+        });
+        mechanism.setRunning(true);
+        mechanism.tick();
+        EXPECT_EQ(mechanism.getExecutingBlock(), nullptr) << question;
+        EXPECT_EQ(getExecutive()->getExeutingBlock(), nullptr) << question;
+        EXPECT_FALSE(mechanism.isRunning()) << question;
+        EXPECT_EQ(errorCount(), 0) << question;
+        for (CFCBlockNode* node : {a, c}) {
+            node->RemoveConnectors();
+            node->Delete();
+        }
+    }
+}
+
+TEST_F(FCExecutionMechanismTest, ScriptThatDestroysTheProcessEndsTheRun) {
+    for (char const* method : {"CanUndo", "Undo", "Execute", "CanSkip"}) {
+        row();
+        std::string const name = method;
+        bool const backward = name == "CanUndo" || name == "Undo";
+        mechanism.setDirection(Mode::ExecutionContinue);
+        b->SetSkipFlag(name == "CanSkip");
+        mechanism.onBegin();
+        if (name != "CanSkip")
+            mechanism.tick();
+        if (backward)
+            mechanism.setDirection(Mode::ExecutionUndo);
+        module("blk_B.py", "import record\nclass blk_B:\n    def __init__(self, argument):\n        pass\n"
+                           "    def CanUndo(self):\n        pass\n    def " +
+                               name + "(self):\n        record.call()\n");
+        onScriptCall([this] { CFCNodeHelper::DestroyTree(process); });
+        mechanism.setRunning(true);
+        mechanism.tick();
+        EXPECT_EQ(getExecutive()->getActiveProcess(), nullptr) << method;
+        EXPECT_EQ(getExecutive()->getExeutingBlock(), nullptr) << method;
+        EXPECT_EQ(mechanism.getExecutingBlock(), nullptr) << method;
+        EXPECT_FALSE(mechanism.isRunning()) << method;
+        EXPECT_FALSE(mechanism.onStep()) << method;
+        EXPECT_EQ(errorCount(), 0) << method;
+        process = CFCPointerConverter::GetProcessNode(factory.Create(56));
+        getExecutive()->setActiveProcess(process);
+    }
+}
+
+TEST_F(FCExecutionMechanismTest, CopyOfAMechanismForgetsWhatIsGoneToo) {
+    row();
+    mechanism.onBegin();
+    FCExecutionMechanism copy(mechanism);
+    EXPECT_EQ(copy.getExecutingBlock(), a);
+    EXPECT_EQ(copy.getExecutionMode(), Type::ExecutionByTimer);
+    a->RemoveConnectors();
+    a->Delete();
+    EXPECT_EQ(copy.getExecutingBlock(), nullptr);
+    EXPECT_EQ(mechanism.getExecutingBlock(), nullptr);
+    EXPECT_FALSE(mechanism.onContinue());
+}
+
 TEST_F(FCExecutionMechanismTest, ScriptThatTakesTheProcessAwayEndsTheRun) {
     // The host's hook for a started block does what a script of the host may do, too.
     row();
@@ -442,6 +649,65 @@ TEST_F(FCExecutionMechanismTest, ScriptThatTakesTheProcessAwayEndsTheRun) {
     EXPECT_FALSE(removing.isRunning());
     EXPECT_TRUE(events("['A.Execute', 'B.Execute']"));
     getExecutive()->setActiveProcess(process);
+}
+
+// The hook for started blocks needs a command object of its own, which is the one of its process.
+TEST(FCExecutionMechanismDeathTest, HookSeesEachStartedBlockAndMayDestroyIt) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            class Hook : public CFCCommand {
+            public:
+                using CFCCommand::ExecuteCommand;
+                using CFCCommand::SetValues;
+                int SetValues(char const* name, char const* type, void const* value, int count) override {
+                    if (std::string(name) == "Execute Block" && std::string(type) == "string" && count == 0)
+                        path = static_cast<char const*>(value);
+                    return CFCCommand::SetValues(name, type, value, count);
+                }
+                int ExecuteCommand(char const* name, void const* argument) override {
+                    started += std::string(name) + (argument == nullptr ? "|" : "?") + path + ";";
+                    int const result = CFCCommand::ExecuteCommand(name, argument);
+                    if (started.find(".B;") != std::string::npos) {
+                        CFCBlockNode* const block = executive.getExeutingBlock();
+                        block->RemoveConnectors();
+                        block->Delete();
+                    }
+                    return result;
+                }
+                std::string path;
+                std::string started;
+            };
+            Hook* const hook = new Hook;
+            CFCNodeFactory factory;
+            CFCProcessNode* const process = CFCPointerConverter::GetProcessNode(factory.Create(56));
+            process->SetNodeId(L"P");
+            CFCBlockNode* blocks[2] = {};
+            for (int index = 0; index < 2; ++index) {
+                blocks[index] = CFCPointerConverter::GetBlockNode(factory.Create(57));
+                process->AppendChild(blocks[index], false);
+                blocks[index]->SetNodeId(index == 0 ? L"A" : L"B");
+                blocks[index]->SetScriptType(1);
+            }
+            CFCConnector* const connector = CFCPointerConverter::GetConnector(factory.Create(68));
+            connector->SetStartNode(6, blocks[0], L"");
+            connector->SetEndNode(2, blocks[1], L"");
+            process->AddConnector(connector);
+            getExecutive()->setActiveProcess(process);
+            Mechanism mechanism;
+            mechanism.onBegin();
+            mechanism.tick();
+            std::string const first = hook->started;
+            mechanism.setRunning(true);
+            mechanism.tick();
+            std::fprintf(stderr, "%s %s\n", first.c_str(), hook->started.c_str());
+            bool const good = first == "Execute Block|P.A;" &&
+                              hook->started == "Execute Block|P.A;Execute Block|P.B;" &&
+                              mechanism.getExecutingBlock() == nullptr && !mechanism.isRunning() &&
+                              getExecutive()->getExeutingBlock() == nullptr;
+            std::_Exit(good ? 0 : 3);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 // The executive.

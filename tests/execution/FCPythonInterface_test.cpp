@@ -162,6 +162,61 @@ TEST_F(FCPythonInterfaceTest, HookThatLeavesDoesNotEndTheProcess) {
     EXPECT_NE(text.find("ValueError: told so"), std::string::npos);
 }
 
+TEST_F(FCPythonInterfaceTest, ErrorOfTheHookIsShownBesideTheOneItWasToReport) {
+    module("Hooked.py", recordingClass("Hooked", "made"));
+    runPython("def _failing(kind, value, trace):\n    raise KeyError('of the hook')\nsys.excepthook = _failing");
+    std::string const text = standardErrorOf([] { runBlock("Hooked", "Fail"); });
+    EXPECT_EQ(text.rfind("Error in sys.excepthook:\n", 0), 0u);
+    std::size_t const second = text.find("\nOriginal exception was:\n");
+    ASSERT_NE(second, std::string::npos);
+    EXPECT_LT(text.find("KeyError: 'of the hook'"), second);
+    EXPECT_GT(text.find("ValueError: told so"), second);
+    EXPECT_NE(text.find("ValueError: told so"), std::string::npos);
+}
+
+TEST_F(FCPythonInterfaceTest, WithoutAHookTheErrorIsShownAllTheSame) {
+    module("Hooked.py", recordingClass("Hooked", "made"));
+    runPython("del sys.excepthook");
+    std::string const text = standardErrorOf([] { runBlock("Hooked", "Fail"); });
+    EXPECT_EQ(text.rfind("sys.excepthook is missing\n", 0), 0u);
+    EXPECT_NE(text.find("ValueError: told so"), std::string::npos);
+}
+
+TEST_F(FCPythonInterfaceTest, LeavingAnywhereInAScriptIsAnErrorLikeAnyOther) {
+    // On import, when the object is made, and in the companion, which does not hinder the script.
+    module("leave/__init__.py", "");
+    module("leave/OnImport.py", "import sys\nsys.exit('import')\n");
+    module("leave/OnMake.py", "class OnMake:\n    def __init__(self, argument):\n        raise SystemExit('make')\n");
+    module("leave/CompanionBlock.py", "raise SystemExit('companion')\n");
+    module("leave/Companion.py", recordingClass("Companion", "made"));
+    std::string const text = standardErrorOf([] {
+        for (char const* script : {"leave.OnImport", "leave.OnMake", "leave.Companion"})
+            EXPECT_EQ(runBlock(script, "Execute"), -1) << script;
+    });
+    EXPECT_EQ(text, "Error in loading class\n") << "of the object that could not be made";
+    EXPECT_TRUE(errors("[('SystemExit', 'import'), ('SystemExit', 'make'), ('SystemExit', 'companion')]"));
+    EXPECT_TRUE(events("[('made', 100), 'Execute']"));
+}
+
+TEST_F(FCPythonInterfaceTest, InterruptedScriptIsReportedLikeAnyOther) {
+    module("Interrupted.py", "class Interrupted:\n    def __init__(self, argument):\n        pass\n"
+                             "    def Execute(self):\n        raise KeyboardInterrupt()\n");
+    EXPECT_EQ(runBlock("Interrupted", "Execute"), -1);
+    EXPECT_TRUE(errors("[('KeyboardInterrupt', '')]"));
+}
+
+TEST_F(FCPythonInterfaceTest, ModuleWithoutSourceKeepsItsOnlyFile) {
+    module("Only.py", recordingClass("Only", "made"));
+    runPython("import py_compile, os\npy_compile.compile(r'" + (scratch / "Only.py").string() + "', cfile=r'" +
+              (scratch / "Only.pyc").string() + "')\nos.remove(r'" + (scratch / "Only.py").string() +
+              "')\nimportlib.invalidate_caches()");
+    runBlock("Only", "Execute");
+    runBlock("Only", "Execute");
+    EXPECT_TRUE(std::filesystem::exists(scratch / "Only.pyc"));
+    EXPECT_TRUE(events("[('made', 100), 'Execute', ('made', 100), 'Execute']"));
+    EXPECT_EQ(errorCount(), 0);
+}
+
 TEST_F(FCPythonInterfaceTest, MissingClassIsToldOnStandardError) {
     module("Classless.py", "value = 1\n");
     std::string const text = standardErrorOf([] { EXPECT_EQ(runBlock("Classless", "Execute"), -1); });
@@ -189,13 +244,16 @@ TEST_F(FCPythonInterfaceTest, EmptyScriptNameReportsAndGivesMinusOne) {
 }
 
 TEST_F(FCPythonInterfaceTest, NullArgumentsAreMisses) {
-    int status = 0;
-    EXPECT_EQ(runBlock(nullptr, "Execute", &status), -1);
-    EXPECT_EQ(status, 1);
+    int ofNull = 0;
+    EXPECT_EQ(runBlock(nullptr, "Execute", &ofNull), -1);
+    EXPECT_EQ(ofNull, 1);
     EXPECT_EQ(runBlock("Plain", nullptr), -1);
     CFCPythonInterface python;
     EXPECT_EQ(python.executeBlockInterface(nullptr, nullptr, nullptr), -1);
     EXPECT_EQ(python.executeBlockInterfaceDebug(nullptr, nullptr, nullptr, nullptr), 0);
+    int status = 0;
+    EXPECT_EQ(python.executeBlockInterfaceDebug("a.B", nullptr, &status, nullptr), -1);
+    EXPECT_EQ(status, 1);
     EXPECT_EQ(python.executeCheckInterface(nullptr, "Check"), 1);
     EXPECT_EQ(python.executeInitialize(nullptr, nullptr, nullptr, nullptr), -1);
     EXPECT_EQ(python.executeSaveInterface(nullptr, nullptr, nullptr), -1);
@@ -323,6 +381,34 @@ TEST_F(FCPythonInterfaceTest, ExecuteBlockWithoutADebuggerRunsThePlainWay) {
     EXPECT_TRUE(events("[('made', 100), 'Execute', ('made', 100), 'Execute']"));
 }
 
+TEST_F(FCPythonInterfaceTest, DebuggerMayDestroyTheBlockItWasAskedFor) {
+    module("dbj/__init__.py", "");
+    runPython("class Debugger:\n    def run(self, code):\n        record.call()\ndebugger = Debugger()");
+    PyObject* const debugger = tpy::PyObject_GetAttrString(tpy::PyImport_AddModule("__main__"), "debugger");
+    class CountedBlock : public DebuggedBlock {
+    public:
+        explicit CountedBlock(int& count) : total(count) {}
+        void FinishDebug() override { ++total; }
+        int& total;
+    };
+    int finished = 0;
+    for (bool destroys : {false, true}) {
+        CountedBlock* const block = new CountedBlock(finished);
+        block->debugger = debugger;
+        onScriptCall([&] {
+            if (destroys)
+                delete block;
+        });
+        CFCPythonInterface python;
+        int status = 0;
+        EXPECT_EQ(python.executeBlock("dbj.One", "Execute", &status, block), -1);
+        EXPECT_EQ(finished, 1) << "a block that is gone is not told";
+        if (!destroys)
+            delete block;
+    }
+    tpy::Py_DECREF(debugger);
+}
+
 // Checks and the forms with an argument.
 
 TEST_F(FCPythonInterfaceTest, CheckGivesTheNumberOfTheMethod) {
@@ -375,6 +461,18 @@ TEST_F(FCPythonInterfaceTest, InitializeMakesTheObjectFromTheArgumentAndAsksForT
     }
     EXPECT_TRUE(events("[('made', 'given'), 'Execute', ('made', 'again'), ('made', None), 'Execute']"));
     EXPECT_EQ(errorCount(), 0);
+}
+
+TEST_F(FCPythonInterfaceTest, ArgumentThatIsNoUtf8MakesNoObject) {
+    module("Init.py", recordingClass("Init", "made"));
+    {
+        CFCPythonInterface python;
+        int status = 0;
+        EXPECT_EQ(python.executeInitialize("Init", "Execute", "\xff", &status), -1);
+        EXPECT_EQ(python.executeSaveInterface("Init", "Execute", "\xff"), -1);
+    }
+    EXPECT_TRUE(events("[]"));
+    EXPECT_TRUE(pythonTrue("[kind for kind, text in record.errors] == ['UnicodeDecodeError', 'UnicodeDecodeError']"));
 }
 
 TEST_F(FCPythonInterfaceTest, SaveDoesNotAskWhetherTheMethodExists) {

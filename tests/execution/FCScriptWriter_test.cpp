@@ -123,6 +123,116 @@ TEST_F(FCScriptWriterTest, TemplatesHaveTheirLines) {
         EXPECT_EQ(lines(narrow(row.text)), row.lines) << narrow(row.text).substr(0, 40);
 }
 
+// Each line as it stands in the file, trailing blanks included.
+TEST_F(FCScriptWriterTest, AccessorsOfListsAndObjectsAreWrittenLineForLine) {
+    auto const block = task(L"Lines");
+    add(*block, L"Loads", 10, L"");
+    add(*block, L"Part", 4, L"");
+    add(*block, L"Points", 15, L"");
+    CFCScriptWriter writer;
+    writer.SetNode(block.get());
+    std::ostringstream stream;
+    EXPECT_TRUE(writer.InsertVariableList(stream, 2, false));
+    std::vector<std::string> const expected = {
+        "    def getLoads(self):         ",
+        "        returnValue = []",
+        "        if(self.exvardb.checkProcessVariable(r'Loads') == 0):",
+        "            returnValue = list(self.exvardb.getIntArrayVarValues(r'Loads'))",
+        "        else:",
+        "            returnValue=self.Loads  ",
+        "        return returnValue    ",
+        "     ",
+        "",
+        "    def setLoads(self, newVal):        ",
+        "        if(self.exvardb.checkProcessVariable(r'Loads') == 0):",
+        "            self.exvardb.setIntArrayVarValues(r'Loads', newVal )",
+        "            self.Loads=newVal ",
+        "        else: ",
+        "            self.Loads=newVal ",
+        "     ",
+        "",
+        "    def getPart(self):         ",
+        "        returnValue = None",
+        "        import Kelso",
+        "        if(self.exvardb.checkProcessVariable(r'Part') == 0):",
+        "            tempValue = self.exvardb.getTarnObjectVarValue(r'Part')",
+        "            returnValue = Kelso.TarnObject(str(tempValue))",
+        "        else:",
+        "            returnValue=self.Part",
+        "        if(returnValue==None):",
+        "           exceptionError = str(\"Part\") + \" variable could not be resolved: Aborting Execution\"",
+        "           raise Exception(exceptionError)",
+        "        return returnValue    ",
+        "        ",
+        "        ",
+        "    def setPart(self, newVal):        ",
+        "        import Kelso",
+        "        if(self.exvardb.checkProcessVariable(r'Part') == 0):",
+        "             tempValue=Kelso.GetTarnObjectIdentifier(newVal)",
+        "             self.exvardb.setTarnObjectVarValue(r'Part', tempValue)",
+        "             self.Part= tempValue ",
+        "        else: ",
+        "             self.Part= newVal ",
+        "        ",
+        "",
+        "    def getPoints(self):         ",
+        "        returnValue = None",
+        "        cnt = 0",
+        "        import Kelso",
+        "        if(self.exvardb.checkProcessVariable(r'Points') == 0):",
+        "            tempVal = self.exvardb.getPoint2ArrayVarValues(r'Points')",
+        "            cnt,returnValue = Kelso.Point2ArrayList(str(tempVal))",
+        "        else:",
+        "            cnt=len(self.Points) ",
+        "            returnValue=self.Points",
+        "        if(cnt==0):",
+        "            exceptionError= str(\"Points\") + \" variable could not be resolved: Aborting Execution\"",
+        "            raise Exception(exceptionError)",
+        "        return cnt,returnValue    ",
+        "        ",
+        "        ",
+        "    def setPoints(self, newVal):        ",
+        "        import Kelso",
+        "        if(self.exvardb.checkProcessVariable(r'Points') == 0):",
+        "            tempVal=Kelso.GetPoint2ArrayListIdentifier(len(newVal),newVal)",
+        "            self.exvardb.setPoint2ArrayVarValues(r'Points', tempVal)",
+        "            self.Points= tempValue ",
+        "        else: ",
+        "            self.Points= newVal ",
+        "        ",
+        "",
+    };
+    std::istringstream written(stream.str());
+    std::vector<std::string> found;
+    for (std::string line; std::getline(written, line);)
+        found.push_back(line);
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t index = 0; index < expected.size(); ++index)
+        EXPECT_EQ(found[index], expected[index]) << "line " << index + 1;
+    EXPECT_EQ(stream.str().back(), '\n');
+}
+
+TEST_F(FCScriptWriterTest, PreModelStateIsTheDefaultAndAnotherNodeKeepsThePaths) {
+    auto const block = task(L"First");
+    auto const second = task(L"Second");
+    CFCScriptWriter writer;
+    writer.SetNode(block.get());
+    writer.SetFolderName(wideWithBackslashes(scratch.path()));
+    writer.SetNode(second.get());
+    writer.GenerateMainFile();
+    EXPECT_TRUE(contains(scratch.read("First.py"), "class Second(SecondBlock): \n"));
+    EXPECT_TRUE(contains(scratch.read("First.py"), "Tarnbase.ApplGetCurrentPreModel()"));
+    EXPECT_FALSE(std::filesystem::exists(scratch / "Second.py"));
+    // Each generator writes its own file, over what stood there.
+    EXPECT_FALSE(std::filesystem::exists(scratch / "__init__.py"));
+    scratch.write("__init__.py", "old text");
+    writer.GenerateInitFile();
+    EXPECT_EQ(scratch.read("__init__.py"), "");
+    // No node takes nothing back.
+    writer.SetNode(nullptr);
+    EXPECT_TRUE(writer.IsValid());
+}
+
 TEST_F(FCScriptWriterTest, BlockWithoutVariablesHasOnlyImportAndReturns) {
     auto const block = task(L"Bare");
     std::string const text = subFile(*block);
@@ -191,7 +301,7 @@ TEST_F(FCScriptWriterTest, EachDataTypeHasItsTexts) {
 }
 
 TEST_F(FCScriptWriterTest, UnknownDataTypeHasOnlyThePullAndThePush) {
-    for (int type : {19, 25}) {
+    for (int type : {-1, 19, 25}) {
         auto const block = task(L"Unknown");
         add(*block, L"Odd", type, L"");
         std::string const text = subFile(*block);
@@ -350,6 +460,10 @@ TEST_F(FCScriptWriterTest, EveryGeneratedFileCompiles) {
     for (int type = 0; type <= 18; ++type)
         add(*block, (L"V" + std::to_wstring(type)).c_str(), type, L"1");
     generate(*block);
-    for (char const* name : {"AllTypes.py", "AllTypesBlock.py"})
-        runPython("compile(open(r'" + (scratch / name).string() + "').read(), '" + name + "', 'exec')");
+    for (char const* name : {"AllTypes.py", "AllTypesBlock.py"}) {
+        PyObject* const code = tpy::Py_CompileString(scratch.read(name).c_str(), name, tpy::file_input);
+        EXPECT_NE(code, nullptr) << name;
+        tpy::Py_XDECREF(code);
+        tpy::PyErr_Clear();
+    }
 }

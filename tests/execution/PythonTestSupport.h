@@ -6,8 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace flowmere::test {
 
@@ -48,6 +51,17 @@ inline bool pythonTrue(std::string const& expression) {
     return pythonNumber("1 if (" + expression + ") else 0") == 1;
 }
 
+// What `record.call()` of the scripts does.
+inline std::function<void()>& scriptCall() {
+    static std::function<void()> s_call;
+    return s_call;
+}
+
+extern "C" inline void flowmereTestCall() {
+    if (scriptCall())
+        scriptCall()();
+}
+
 // A test with a scratch folder on the interpreter's path. What block scripts record is in the list
 // `record.events` of the module `record`. No Python error may be left at the end.
 class PythonTest : public ScratchTest {
@@ -69,6 +83,7 @@ protected:
                   "importlib.invalidate_caches()\n");
     }
     ~PythonTest() override {
+        scriptCall() = nullptr;
         EXPECT_EQ(tpy::PyErr_Occurred(), nullptr) << "a Python error is left";
         tpy::PyErr_Clear();
         runPython("sys.excepthook = sys.__excepthook__\n"
@@ -81,6 +96,12 @@ protected:
     void module(std::string const& name, std::string const& text) {
         scratch.write(name, text);
         runPython("importlib.invalidate_caches()");
+    }
+    // Lets the scripts run something of the test by `record.call()`, under the interpreter lock.
+    void onScriptCall(std::function<void()> action) {
+        scriptCall() = std::move(action);
+        runPython("import ctypes\nrecord.call = ctypes.PYFUNCTYPE(None)(" +
+                  std::to_string(reinterpret_cast<std::uintptr_t>(&flowmereTestCall)) + ")");
     }
     // What the scripts recorded, as Python shows the list.
     bool events(std::string const& list) { return pythonTrue("record.events == " + list); }
