@@ -63,7 +63,7 @@ void setText(PyConfig& config, wchar_t*& field, fs::path const& path) {
     check(::PyConfig_SetBytesString(&config, &field, path.c_str()));
 }
 
-void initialise(fs::path const& modules) {
+void initialise() {
     registerHostModule();
     PyPreConfig before;
     ::PyPreConfig_InitIsolatedConfig(&before);
@@ -74,8 +74,6 @@ void initialise(fs::path const& modules) {
     ::PyConfig_InitIsolatedConfig(&config);
     config.install_signal_handlers = 0;
     config.write_bytecode = 0;
-    // Old bytecode beside a script must not be read either: it may be older than its time stamp tells.
-    setText(config, config.pycache_prefix, modules / "no-bytecode");
     if (fs::path const home = pythonHome(); !home.empty())
         setText(config, config.home, home);
     setText(config, config.program_name, programFolder() / "flowmere");
@@ -91,11 +89,11 @@ Interpreter::Interpreter() {
     std::error_code error;
     if (!fs::is_regular_file(modules / "_flowmere_setup.py", error))
         throw Failure(modules.string(), "", "the Python modules of the program are missing");
-    initialise(modules);
+    initialise();
     hostServices().interpreter = this;
     try {
         py::module_::import("sys").attr("path").attr("insert")(0, modules.string());
-        py::module_::import("_flowmere_setup").attr("set_up")();
+        py::module_::import("_flowmere_setup").attr("set_up")(modules.string());
     } catch (py::error_already_set const& problem) {
         throw Failure("Python", "", problem.what());
     }

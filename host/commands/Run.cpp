@@ -442,11 +442,11 @@ void addRun(CLI::App& app, Result& result) {
                                      "Run so many blocks more after the run; without --break, and before any --undo, "
                                      "run so many blocks and no more"))
             ->type_name("N")
-            ->check(CLI::PositiveNumber);
+            ->check(CLI::Range(1, 1000000));
     CLI::Option const* const undo =
         repeated(command->add_option("--undo", options->undos, "Undo so many blocks after the run, the last one first"))
             ->type_name("N")
-            ->check(CLI::PositiveNumber);
+            ->check(CLI::Range(1, 1000000));
     command->add_option("--save", options->saveTo, "Write the document to a file after the run")->type_name("OUT");
     command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
     command->footer("--step and --undo may be given several times, and act in the order given.");

@@ -1,6 +1,7 @@
 """Sets the interpreter of the program up, and looks after it while blocks run."""
 
 import importlib
+import importlib.machinery
 import signal
 import sys
 import traceback
@@ -8,12 +9,48 @@ import traceback
 import _flowmere
 
 _script_roots = []
+_no_bytecode = ""
 _last_reported = None
 
 
-def set_up():
+class _SourceLoader(importlib.machinery.SourceFileLoader):
+    """Compiles a script each time. Bytecode beside it may be older than its time stamp tells."""
+
+    def path_stats(self, path):
+        raise OSError("scripts have no bytecode")
+
+
+class _ScriptFinder(importlib.machinery.FileFinder):
+    """Finds modules below the script roots."""
+
+    _loaders = (
+        (importlib.machinery.ExtensionFileLoader, importlib.machinery.EXTENSION_SUFFIXES),
+        (_SourceLoader, importlib.machinery.SOURCE_SUFFIXES),
+    )
+
+    def __init__(self, folder):
+        if not any(_lies_in(folder, root) for root in _script_roots):
+            raise ImportError("no script root", path=folder)
+        super().__init__(folder, *self._loaders)
+
+    def find_spec(self, name, target=None):
+        spec = super().find_spec(name, target)
+        if spec is not None and spec.origin:
+            # Who runs a script removes its bytecode first, and bytecode of the user's is not ours to remove.
+            spec.cached = _no_bytecode + spec.origin
+        return spec
+
+
+def _lies_in(place, root):
+    return place == root or place.startswith(root.rstrip("/") + "/")
+
+
+def set_up(module_folder):
     """Once, before anything else runs."""
+    global _no_bytecode
+    _no_bytecode = module_folder + "/no-bytecode"
     sys.dont_write_bytecode = True
+    sys.path_hooks.insert(0, _ScriptFinder)
     sys.argv = ["flowmere"]
     for stream in (sys.stdout, sys.stderr):
         if stream is not None:
@@ -30,11 +67,12 @@ def set_script_roots(roots, module_folder):
     for name, module in list(sys.modules.items()):
         places = list(getattr(module, "__path__", None) or [])
         places.append(getattr(module, "__file__", None) or "")
-        if any(place == root or place.startswith(root + "/") for root in _script_roots for place in places):
+        if any(_lies_in(place, root) for root in _script_roots for place in places):
             del sys.modules[name]
     sys.path[:] = [place for place in sys.path if place not in _script_roots and place != module_folder]
     sys.path[:0] = list(roots) + [module_folder]
     _script_roots = list(roots)
+    sys.path_importer_cache.clear()
     importlib.invalidate_caches()
 
 
