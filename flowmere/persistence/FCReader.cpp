@@ -2,6 +2,7 @@
 
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/model/ConnectorIndex.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockData.h"
 #include "flowmere/model/FCBlockNode.h"
@@ -290,17 +291,33 @@ void loadFont(DOMElement* element, CFCBlockData* block) {
         block->FontColor = 0;
 }
 
-// Raises a counter for the time of a call.
-class Raised {
+// Gives a counter its value back at the end of a call.
+class Restored {
 public:
-    explicit Raised(int& counter) : m_counter(counter) { ++m_counter; }
-    ~Raised() { --m_counter; }
-    Raised(Raised const&) = delete;
-    Raised& operator=(Raised const&) = delete;
+    explicit Restored(int& counter) : m_counter(counter), m_value(counter) {}
+    ~Restored() { m_counter = m_value; }
+    Restored(Restored const&) = delete;
+    Restored& operator=(Restored const&) = delete;
 
 private:
     int& m_counter;
+    int m_value;
 };
+
+// Raises a counter for the time of a call.
+class Raised : public Restored {
+public:
+    explicit Raised(int& counter) : Restored(counter) { ++counter; }
+};
+
+// Whether a fresh connector was left out of the list: one between the same blocks is there already.
+bool isLeftOut(CFCConnector* connector, CFCConnectorList* list) {
+    if (list == nullptr || connector->GetNext() != nullptr || connector->GetPrev() != nullptr)
+        return false;
+    auto* const position = reinterpret_cast<__FCPOSITION*>(static_cast<IFCNode*>(connector));
+    return list->GetHeadPosition() != position && list->GetTailPosition() != position &&
+           flowmere::holdsTwin(*list, *connector);
+}
 
 } // namespace
 
@@ -378,6 +395,8 @@ bool CFCReader::LoadFileNode(wchar_t const* path, IFCNode* node, bool) {
         return false;
     TuString const file(path);
     CFCEnumTranslator::SetArrays();
+    if (m_nElementDepth == 0)
+        m_nLinksFollowed = 0; // a call from outside, not a link met while reading
     // A file that links to itself would be read again and again below any depth: past these bounds
     // a link stays unloaded, as beyond the depth.
     bool const isTooMuch = m_nOpenLinks >= kMaxOpenLinks || m_nLinksFollowed >= kMaxLinks;
@@ -402,9 +421,10 @@ bool CFCReader::LoadFileNode(wchar_t const* path, IFCNode* node, bool) {
     flowmere::XmlDocumentPointer const owner(document);
     Raised const open(m_nOpenLinks);
     ++m_nLinksFollowed;
+    DOMDocument* const outerDocument = m_pLinkedDocument;
     m_pLinkedDocument = document;
     Load(document->getDocumentElement(), node, nullptr);
-    m_pLinkedDocument = nullptr;
+    m_pLinkedDocument = outerDocument;
     return true;
 }
 
@@ -413,21 +433,53 @@ void CFCReader::followLink(wchar_t const* path, IFCNode* node) {
     LoadFileNode(path, node, false);
 }
 
+// Levels of the document stand in a list, not on the stack: a file may be as deep as the parser lets it.
 bool CFCReader::Load(DOMElement* element, IFCNode* node, IFCNode*) {
-    if (element == nullptr || m_nElementDepth >= flowmere::kMaxElementDepth)
+    struct Level {
+        DOMElement* next; // child element to read
+        IFCNode* node;
+    };
+    if (element == nullptr)
         return true;
-    Raised const depth(m_nElementDepth);
-    for (DOMElement* child = flowmere::firstElement(element); child != nullptr; child = flowmere::nextElement(child)) {
-        if (!loadChild(child, node))
-            return false;
+    Restored const depth(m_nElementDepth);
+    std::vector<Level> levels;
+    auto const enter = [&](DOMElement* parent, IFCNode* owner) {
+        // Across links the levels add up, and a host's walk over the tree may recurse.
+        DOMElement* const first =
+            m_nElementDepth < flowmere::kMaxElementDepth ? flowmere::firstElement(parent) : nullptr;
+        ++m_nElementDepth;
+        levels.push_back({first, owner});
+    };
+    auto const leave = [&] {
+        --m_nElementDepth;
+        levels.pop_back();
+    };
+    enter(element, node);
+    for (;;) {
+        Level const level = levels.back();
+        if (level.next == nullptr) {
+            if (level.node != nullptr)
+                level.node->TransferToDraw();
+            Attach(level.node);
+            leave();
+            if (levels.empty())
+                return true;
+            continue;
+        }
+        levels.back().next = flowmere::nextElement(level.next);
+        IFCNode* inner = nullptr;
+        if (!loadChild(level.next, level.node, inner)) {
+            // The rest of this element stays unread, and only a caller from outside could tell.
+            leave();
+            if (levels.empty())
+                return false;
+        } else if (inner != nullptr) {
+            enter(level.next, inner);
+        }
     }
-    if (node != nullptr)
-        node->TransferToDraw();
-    Attach(node);
-    return true;
 }
 
-bool CFCReader::loadChild(DOMElement* element, IFCNode* node) {
+bool CFCReader::loadChild(DOMElement* element, IFCNode* node, IFCNode*& inner) {
     std::u16string_view const name = flowmere::tagOf(element);
     switch (tagFor(name)) {
     case Tag::FileLinkLib:
@@ -437,16 +489,16 @@ bool CFCReader::loadChild(DOMElement* element, IFCNode* node) {
         loadLink(element, node);
         break;
     case Tag::Process:
-        loadNestedProcess(element, node);
+        inner = loadNestedProcess(element, node);
         break;
     case Tag::SubGroup:
-        loadFolder(element, node);
+        inner = loadFolder(element, node);
         break;
     case Tag::Code:
-        loadCodeNode(element, node);
+        inner = loadCodeNode(element, node);
         break;
     case Tag::SubProcess:
-        loadObject(element, node, kSubProcess);
+        inner = loadObject(element, node, kSubProcess);
         break;
     case Tag::Dimension:
         loadDimension(element, node);
@@ -498,7 +550,7 @@ bool CFCReader::loadChild(DOMElement* element, IFCNode* node) {
     case Tag::Other: {
         int const type = flowmere::nodeTypeOfElement(textOf(name).view());
         if (type != 0)
-            loadObject(element, node, type);
+            inner = loadObject(element, node, type);
         break;
     }
     }
@@ -566,19 +618,19 @@ IFCNode* CFCReader::appendNew(int type, IFCNode* parent) {
     return node;
 }
 
-void CFCReader::loadNestedProcess(DOMElement* element, IFCNode* node) {
+IFCNode* CFCReader::loadNestedProcess(DOMElement* element, IFCNode* node) {
     static constexpr AttributeTable kNames(u"Type", u"FILE");
     AttributeRow const row(element, kNames);
     bool const isTask = flowmere::equalsNoCase(row.view(0), u"task");
     IFCNode* const process = appendNew(isTask ? kWorkflowProcess : kProcess, node);
     if (process == nullptr)
-        return;
+        return nullptr;
     if (row.view(1).empty()) {
         LoadRootProperties(element, process);
         LoadProperties(element, process);
-        Load(element, process, nullptr);
-        return;
+        return process;
     }
+    // What stands inside the element is a copy of what the file has.
     LoadPropertiesLite(element, process);
     TuString path(process->GetItemFilePath());
     if (path.IsEmpty())
@@ -590,31 +642,30 @@ void CFCReader::loadNestedProcess(DOMElement* element, IFCNode* node) {
     IFCNode* const newest = root != nullptr ? root->GetChild() : nullptr;
     if (newest != nullptr && newest->IsNewPath())
         process->SetNewPath(true);
+    return nullptr;
 }
 
-void CFCReader::loadFolder(DOMElement* element, IFCNode* node) {
+IFCNode* CFCReader::loadFolder(DOMElement* element, IFCNode* node) {
     IFCNode* const folder = appendNew(kFolder, node);
-    if (folder == nullptr)
-        return;
-    LoadPropertiesLite(element, folder);
-    Load(element, folder, nullptr);
+    if (folder != nullptr)
+        LoadPropertiesLite(element, folder);
+    return folder;
 }
 
-void CFCReader::loadCodeNode(DOMElement* element, IFCNode* node) {
+IFCNode* CFCReader::loadCodeNode(DOMElement* element, IFCNode* node) {
     IFCNode* const code = appendNew(kCode, node);
-    if (code == nullptr)
-        return;
-    LoadPropertiesLite(element, code);
-    LoadCode(element, code);
-    Load(element, code, nullptr);
+    if (code != nullptr) {
+        LoadPropertiesLite(element, code);
+        LoadCode(element, code);
+    }
+    return code;
 }
 
-void CFCReader::loadObject(DOMElement* element, IFCNode* node, int type) {
+IFCNode* CFCReader::loadObject(DOMElement* element, IFCNode* node, int type) {
     IFCNode* const object = appendNew(type, node);
-    if (object == nullptr)
-        return;
-    LoadProperties(element, object);
-    Load(element, object, nullptr);
+    if (object != nullptr)
+        LoadProperties(element, object);
+    return object;
 }
 
 void CFCReader::LoadCode(DOMElement* element, IFCNode* node) {
@@ -791,12 +842,16 @@ void CFCReader::loadConnector(DOMElement* element, IFCNode* node) {
     connector->SetEndNode(isOldForm ? kOldEndHandle : endHandle, end, textOf(row.view(3)));
     if (!isOldForm)
         LoadPoints(element, node, connector, version);
-    if (node->GetFCBlockData() != nullptr) {
+    bool const isKept = node->GetFCBlockData() != nullptr;
+    if (isKept) {
         node->AddConnector(connector);
         Attach(connector);
     }
     if (isOldForm)
         LoadPointsOld(element, node, connector);
+    // One that neither a list nor a container has seen is nobody's.
+    if (!isKept || (m_pContainer == nullptr && isLeftOut(connector, node->GetConnectorList())))
+        delete connector;
 }
 
 bool CFCReader::LoadPoints(DOMElement* element, IFCNode*, CFCConnector* connector, int) {
@@ -864,9 +919,9 @@ void CFCReader::LoadVariable(DOMElement* element, IFCNode* node, bool isTemplate
     static constexpr AttributeTable kNames(u"Name", u"DisplayName", u"DataType", u"LinkPath", u"Array",
                                            u"TemplateVariable", u"Hidden", u"Deployed", u"Displayable", u"IOType",
                                            u"Type", u"Scope", u"EntityType", u"Value");
-    CFCBlockData* const block = blockDataOf(node);
+    CFCBlockData* const block = element != nullptr ? blockDataOf(node) : nullptr;
     CFCVariableData* const variable = block != nullptr ? block->CreateNewVariable() : nullptr;
-    if (variable == nullptr || element == nullptr)
+    if (variable == nullptr)
         return;
     AttributeRow const row(element, kNames);
     bool isArray = false;

@@ -38,15 +38,17 @@ public:
     CFCReader& operator=(CFCReader const& other);
     ~CFCReader() override;
 
-    // Caption, file path and project kind of a folder-like element ("Name", else "BlockString";
-    // "FILE" when not empty). Nothing for a null node.
+    // Caption and file path of a folder-like element ("Name", else "BlockString"; "FILE"), each left alone when the
+    // file has none. Nothing for a null node.
     virtual void LoadPropertiesLite(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
     // The text of a "CODE" element goes to the node's code when it is not empty.
     virtual void LoadCode(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
 
     // The factory that makes every node; not owned, needed before any Parse.
     void SetNodeFactory(CFCNodeFactory* factory);
-    // Observer that is handed every node read, descendants first; not owned, may be null.
+    // Observer that is handed every node read, descendants first; not owned, may be null. It is handed connectors that
+    // their list does not take, too: second ones between the same two blocks. Those are then in its hands alone;
+    // without a container they go at once.
     void SetContainer(CFCBaseContainer* container);
     // Hands the node to the container; nothing without a container or a node.
     void Attach(IFCNode* node);
@@ -102,14 +104,15 @@ protected:
     CFCBaseContainer* m_pContainer = nullptr;
 
 private:
-    // One function for each element form, in the order of the list in Load.
-    bool loadChild(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    // One function for each element form. Where an object was made whose own children are to be read next, it is
+    // `inner`, or the result.
+    bool loadChild(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, IFCNode*& inner);
     void loadLibraryLink(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
     void loadLink(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
-    void loadNestedProcess(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
-    void loadFolder(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
-    void loadCodeNode(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
-    void loadObject(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, int type);
+    IFCNode* loadNestedProcess(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    IFCNode* loadFolder(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    IFCNode* loadCodeNode(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    IFCNode* loadObject(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, int type);
     void loadDimension(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
     void loadConnector(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
     CFCConnector* createConnector();

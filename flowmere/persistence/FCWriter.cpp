@@ -17,6 +17,7 @@
 
 #include <xercesc/dom/DOM.hpp>
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 #include <typeinfo>
@@ -61,26 +62,33 @@ TuString withSlashes(wchar_t const* text) {
     return result;
 }
 
-// The last child. A chain whose links form a ring has none.
-IFCNode* lastChild(IFCNode* node) {
-    IFCNode* last = node->GetChild();
-    IFCNode* checkpoint = last;
-    std::size_t steps = 0;
+// Objects may not nest deeper than this, so that the file can be read again: below an object there are up to three
+// further levels, of a template variable and its options.
+constexpr int kMaxObjectDepth = flowmere::kMaxElementDepth - 3;
+
+// The children from the first to the last. A chain whose links form a ring counts as empty.
+struct ChildChain {
+    IFCNode* last = nullptr;
+    std::size_t length = 0;
+};
+
+ChildChain childrenOf(IFCNode* node) {
+    ChildChain chain{node->GetChild(), 1};
+    IFCNode* checkpoint = chain.last;
     std::size_t limit = 2;
-    while (last != nullptr) {
-        IFCNode* const next = last->GetNext();
+    while (chain.last != nullptr) {
+        IFCNode* const next = chain.last->GetNext();
         if (next == nullptr)
-            return last;
+            return chain;
         if (next == checkpoint)
-            return nullptr;
-        last = next;
-        if (++steps == limit) {
-            checkpoint = last;
+            break;
+        chain.last = next;
+        if (++chain.length == limit) {
+            checkpoint = next;
             limit *= 2;
-            steps = 0;
         }
     }
-    return nullptr;
+    return {};
 }
 
 void writeFlags(DOMNode* parent, CFCBlockData* block) {
@@ -320,7 +328,7 @@ bool CFCWriter::GetShapeType(IFCNode* node, TuString& out) {
 }
 
 void CFCWriter::WriteObject(IFCNode* node, DOMNode* parent, DOMNode* self) {
-    if (node == nullptr || m_nDepth >= flowmere::kMaxElementDepth)
+    if (node == nullptr || m_nDepth >= kMaxObjectDepth)
         return;
     int const type = node->GetNodeType();
     if (type == kFavourites || type == kHistory || node->IsDeleted())
@@ -348,11 +356,11 @@ void CFCWriter::WriteChildren(IFCNode* node, DOMNode* element) {
     if (node == nullptr)
         return;
     IFCNode* const first = node->GetChild();
-    for (IFCNode* child = lastChild(node); child != nullptr; child = child->GetPrev()) {
+    auto [child, left] = childrenOf(node);
+    for (; child != nullptr && left > 0; --left) {
         WriteObject(child, element, nullptr);
         // What stands before the first child is stale.
-        if (child == first)
-            break;
+        child = child != first ? child->GetPrev() : nullptr;
     }
 }
 
@@ -565,8 +573,10 @@ void CFCWriter::WriteConnections(IFCNode* node, DOMNode* element, IFCNode* block
         auto const ends = blocks.find(block);
         if (ends == blocks.end())
             return;
-        for (CFCConnector* const connector : mode == kInPorts ? ends->second.in : ends->second.out)
-            WriteConnectionFunction(connector, element, block, mode);
+        for (CFCConnector* const connector : mode == kInPorts ? ends->second.in : ends->second.out) {
+            if (isWritten(connector))
+                WriteConnectionFunction(connector, element, block, mode);
+        }
         return;
     }
     CFCConnectorList* const list = node->GetConnectorList();
@@ -624,7 +634,8 @@ void CFCWriter::WriteConnection(CFCConnector* connector, DOMNode* parent) {
     _TgPointLStr* const start = connector->GetStartPoint();
     _TgPointLStr* const end = connector->GetEndPoint();
     _TgPointLStr* const points = connector->GetPoints();
-    int const count = points != nullptr ? connector->GetPointCount() : 0;
+    int const pointCount = std::max(connector->GetPointCount(), 0);
+    int const count = points != nullptr ? pointCount : 0;
     setText(element, u"StartBlock", connector->GetStartBlockName());
     setText(element, u"EndBlock", connector->GetEndBlockName());
     // The names of the grips stand where the reader looks for port names.
@@ -633,8 +644,7 @@ void CFCWriter::WriteConnection(CFCConnector* connector, DOMNode* parent) {
     flowmere::setInteger(element, u"StartHandle", connector->GetStartHandle());
     flowmere::setInteger(element, u"EndHandle", connector->GetEndHandle());
     flowmere::setInteger(element, u"NumPoints",
-                         std::int64_t{connector->GetPointCount()} + (start != nullptr ? 1 : 0) +
-                             (end != nullptr ? 1 : 0));
+                         std::int64_t{pointCount} + (start != nullptr ? 1 : 0) + (end != nullptr ? 1 : 0));
     flowmere::setConstant(element, u"Version", u"1");
     flowmere::setConstant(element, u"DisplayState", u"false");
     flowmere::setConstant(element, u"AutoConnector", u"1");
