@@ -4,9 +4,7 @@
 #include "flowmere/foundation/TuString.h"
 #include "flowmere/model/FCEnumerations.h"
 
-class CFCArgumentData;
 class CFCDataTypeNode;
-class CFCPatternData;
 class CFCVariableData;
 class IFCNode;
 
@@ -84,15 +82,6 @@ public:
 
     // As above for a chain that began at origin; path is the next link to follow.
     static CFCVariableData* FindVariableWithCheck(wchar_t const* path, IFCNode* node, CFCVariableData* origin);
-
-    // --- Application records -------------------------------------------------------------------------------
-
-    // First argument with the identifier, children before the node's own list; extra is not used.
-    // Defined together with the application node.
-    static CFCArgumentData* FindArgumentByID(IFCNode* app, int id, int extra);
-
-    // First pattern with the identifier, in the same order. Defined together with the application node.
-    static CFCPatternData* FindPatternByID(IFCNode* app, int id);
 
     // --- The data type catalog -----------------------------------------------------------------------------
 

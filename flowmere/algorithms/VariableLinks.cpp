@@ -1,32 +1,17 @@
 // The operations of CFCVariableData that look for its link target in the tree.
 
-#include <stdexcept>
-
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/model/FCBlockData.h"
-#include "flowmere/model/FCNodeManager.h"
 #include "flowmere/model/FCVariableData.h"
+#include "flowmere/model/NodeTable.h"
 #include "flowmere/model/ParentChain.h"
 
 namespace {
 
-// The living node with the handle, null when there is none. Handles come from files and hosts, and
-// the table throws for those outside it.
-IFCNode* nodeOfHandle(int handle) {
-    if (handle < 1) {
-        return nullptr;
-    }
-    try {
-        return CFCNodeManager::GetNode(handle);
-    } catch (std::out_of_range const&) {
-        return nullptr;
-    }
-}
-
 // Whether the variable that had this handle when it was noted is still there. The pointer itself
 // may be dead, and is compared only.
 bool isAlive(CFCVariableData* variable, int handle) {
-    return variable != nullptr && nodeOfHandle(handle) == static_cast<IFCNode*>(variable);
+    return variable != nullptr && flowmere::livingNode(handle) == static_cast<IFCNode*>(variable);
 }
 
 } // namespace
@@ -52,7 +37,7 @@ wchar_t const* CFCVariableData::GetLinkPathFinal() {
     if (m_nLinkedVariableHandle < 1) {
         return m_strLinkPath;
     }
-    IFCNode* const node = nodeOfHandle(m_nLinkedVariableHandle);
+    IFCNode* const node = flowmere::livingNode(m_nLinkedVariableHandle);
     CFCVariableData* const target = node == nullptr ? nullptr : node->GetVariableData();
     if (target == nullptr) {
         return L"";

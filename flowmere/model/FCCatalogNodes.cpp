@@ -23,21 +23,47 @@ TuString NodeCode::*codeField(int language, bool isGetCode) {
 
 } // namespace
 
-CFCDataTypeNode::CFCDataTypeNode() : m_codeNode(std::make_shared<NodeCode>()) {}
+CFCDataTypeNode::CFCDataTypeNode() = default;
+
+// Copies share the record from now on, so it must be there.
+CFCDataTypeNode::CFCDataTypeNode(CFCDataTypeNode const& other)
+    : CFCNode(other), m_codeNode(other.codeRecord()), m_type(other.m_type), m_scope(other.m_scope),
+      m_language(other.m_language), m_withoutRecord(other.m_withoutRecord) {}
+
+CFCDataTypeNode& CFCDataTypeNode::operator=(CFCDataTypeNode const& other) {
+    if (this != &other) {
+        CFCNode::operator=(other);
+        m_codeNode = other.codeRecord();
+        m_type = other.m_type;
+        m_scope = other.m_scope;
+        m_language = other.m_language;
+        m_withoutRecord = other.m_withoutRecord;
+    }
+    return *this;
+}
+
 CFCDataTypeNode::~CFCDataTypeNode() = default;
+
+std::shared_ptr<NodeCode> const& CFCDataTypeNode::codeRecord() const {
+    if (m_codeNode == nullptr && !m_withoutRecord) {
+        m_codeNode = std::make_shared<NodeCode>();
+    }
+    return m_codeNode;
+}
 
 void CFCDataTypeNode::Create() {}
 
 void CFCDataTypeNode::SetCodeNode(NodeCode* record) {
-    if (m_codeNode != nullptr && m_codeNode.get() != record) {
+    if (!m_withoutRecord && (record == nullptr || m_codeNode.get() != record)) {
         m_codeNode.reset(record);
+        m_withoutRecord = record == nullptr;
     }
 }
 
 void CFCDataTypeNode::SetCodeNode(EScriptType scriptType, wchar_t const* text, bool isGetCode) {
     TuString NodeCode::*const field = codeField(scriptType, isGetCode);
-    if (m_codeNode != nullptr && field != nullptr) {
-        (*m_codeNode).*field = text;
+    if (field != nullptr && !m_withoutRecord) {
+        (*codeRecord()).*field = text;
     }
 }
 
@@ -56,8 +82,13 @@ bool CFCDataTypeNode::Copy(CFCDataTypeNode* source, CFCDataTypeNode* target) {
     target->SetNodeCaption(source->GetNodeCaption());
     target->m_type = source->m_type;
     target->m_scope = source->m_scope;
-    if (source->m_codeNode != nullptr && target->m_codeNode != nullptr) {
-        *target->m_codeNode = *source->m_codeNode;
+    if (!source->m_withoutRecord && !target->m_withoutRecord) {
+        // A record that was not made yet is an empty one.
+        if (source->HasOwnRecord()) {
+            *target->codeRecord() = *source->m_codeNode;
+        } else if (target->HasOwnRecord()) {
+            *target->m_codeNode = NodeCode();
+        }
     }
     return true;
 }

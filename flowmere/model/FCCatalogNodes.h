@@ -29,14 +29,14 @@ class FLOWMERE_API CFCDataTypeNode : public CFCNode {
 public:
     CFCDataTypeNode();
     // Copies are shallow and share the code record, which goes with the last of them.
-    CFCDataTypeNode(CFCDataTypeNode const&) = default;
-    CFCDataTypeNode& operator=(CFCDataTypeNode const&) = default;
+    CFCDataTypeNode(CFCDataTypeNode const& other);
+    CFCDataTypeNode& operator=(CFCDataTypeNode const& other);
     ~CFCDataTypeNode() override;
 
     void Create() override;
 
     // The code record, owned by the node; null only after a null was set.
-    NodeCode* GetCodeNode() { return m_codeNode.get(); }
+    NodeCode* GetCodeNode() { return codeRecord().get(); }
     // Takes over `record`, made with new and held by no other node, in place of the present one;
     // the caller keeps it when there is no present one. Null leaves the node without a record.
     void SetCodeNode(NodeCode* record);
@@ -66,11 +66,19 @@ public:
     // done, for a null.
     static bool Copy(CFCDataTypeNode* source, CFCDataTypeNode* target);
 
+protected:
+    // Whether the record is there by now. Every variable has a data type node, and hardly any has code of its own, so
+    // an empty record is made when it is first asked for.
+    bool HasOwnRecord() const { return m_codeNode != nullptr; }
+
 private:
-    std::shared_ptr<NodeCode> m_codeNode;
+    std::shared_ptr<NodeCode> const& codeRecord() const;
+
+    mutable std::shared_ptr<NodeCode> m_codeNode;
     TuString m_type;
     TuString m_scope;
     EScriptType m_language = static_cast<EScriptType>(0);
+    bool m_withoutRecord = false; // a null was set
 };
 
 // Root of the loaded data type catalog.

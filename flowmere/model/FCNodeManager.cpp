@@ -1,6 +1,7 @@
 #include "flowmere/model/FCNodeManager.h"
 
 #include "flowmere/foundation/Immortal.h"
+#include "flowmere/model/NodeTable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -25,6 +26,12 @@ std::vector<Entry>& entries() {
 int s_highestHandle = 0;
 
 } // namespace
+
+IFCNode* flowmere::livingNode(int handle) noexcept {
+    std::vector<Entry> const& table = entries();
+    return handle > 0 && static_cast<std::size_t>(handle) < table.size() ? table[static_cast<std::size_t>(handle)].node
+                                                                         : nullptr;
+}
 
 IFCNode* CFCNodeManager::GetNode(int handle) {
     std::vector<Entry> const& table = entries();

@@ -12,10 +12,11 @@ void CFCVariableData::UpdateToDataTypes(wchar_t const* typeName) {
     if (found == nullptr) {
         return;
     }
-    if (found->GetNodeType() == 83) {
-        CFCFileTypeNode::Copy(dynamic_cast<CFCFileTypeNode*>(found), m_pFileTypeNode);
-        m_bFileType = true;
-    } else {
+    // A host may have hung nodes of other classes into the catalog: they bind nothing.
+    if (found->GetNodeType() != 83) {
         CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(found), m_pDataTypeNode);
+    } else if (auto* const fileType = dynamic_cast<CFCFileTypeNode*>(found)) {
+        CFCFileTypeNode::Copy(fileType, m_pFileTypeNode);
+        m_bFileType = true;
     }
 }

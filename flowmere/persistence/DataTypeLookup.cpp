@@ -1,17 +1,17 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 
-#include "flowmere/algorithms/CatalogSearch.h"
 #include "flowmere/environment/FCEnvironment.h"
-#include "flowmere/foundation/Fold.h"
 #include "flowmere/foundation/Immortal.h"
+#include "flowmere/foundation/Paths.h"
 #include "flowmere/foundation/TuFileUtl.h"
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCNodeFactory.h"
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/persistence/FCDataTypeListReader.h"
 
-#include <string>
-#include <unordered_map>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
 
 // The catalog file is known here and nowhere below, so the operations that read it are defined beside its reader.
 
@@ -19,15 +19,35 @@ CFCDataTypeNode* CFCNodeHelper::m_pRootNode = nullptr;
 
 namespace {
 
-// Entries that were found once, by type name. Each variable of a document asks, and most ask for the same few types.
-using FoundEntries = std::unordered_map<std::wstring, IFCNode*, flowmere::FoldedHash, flowmere::FoldedEqual>;
+// A catalog file as it was when nothing could be read from it. Each variable of a document asks for its type, and a
+// broken file is parsed again only once it has changed.
+struct FileState {
+    explicit FileState(TuString const& file) : path(file) {
+        std::filesystem::path const place = flowmere::filesystemPath(file.View());
+        std::error_code error;
+        written = std::filesystem::last_write_time(place, error);
+        size = std::filesystem::file_size(place, error);
+    }
+    FileState() = default;
+    bool operator==(FileState const& other) const {
+        return (path == other.path) != 0 && written == other.written && size == other.size;
+    }
 
-flowmere::Immortal<FoundEntries> foundEntries;
+    TuString path;
+    std::filesystem::file_time_type written;
+    std::uintmax_t size = 0;
+};
+
+flowmere::Immortal<FileState> brokenFile;
 
 // First entry of the catalog file; null while there is nothing to read. The list node stays as its parent.
 CFCDataTypeNode* readCatalog() {
     TuString const path(CFCEnvironment::GetDataTypeFilePath());
     if (!TuFileUtl::IsFileName(path)) {
+        return nullptr;
+    }
+    FileState const state(path);
+    if (state == *brokenFile) {
         return nullptr;
     }
     CFCNodeFactory factory;
@@ -38,6 +58,7 @@ CFCDataTypeNode* readCatalog() {
     auto* const first = list != nullptr ? dynamic_cast<CFCDataTypeNode*>(list->GetChild()) : nullptr;
     if (first == nullptr) {
         CFCNodeHelper::DestroyTree(list);
+        *brokenFile = state;
     }
     return first;
 }
@@ -52,15 +73,7 @@ IFCNode* CFCNodeHelper::GetDataTypeNode(wchar_t const* name) {
             return nullptr;
         }
     }
-    auto const known = foundEntries->find(key.View());
-    if (known != foundEntries->end() && flowmere::isCatalogEntry(known->second, key, true)) {
-        return known->second;
-    }
-    IFCNode* const found = FindDataTypeNode(key, m_pRootNode, true);
-    if (found != nullptr) {
-        foundEntries->insert_or_assign(std::wstring(key.View()), found);
-    }
-    return found;
+    return FindDataTypeNode(key, m_pRootNode, true);
 }
 
 void CFCNodeHelper::SetDataTypeNode(CFCVariableData* variable, wchar_t const* typeName) {
@@ -71,13 +84,15 @@ void CFCNodeHelper::SetDataTypeNode(CFCVariableData* variable, wchar_t const* ty
     TuString const type(typeName);
     TuString caption(type);
     IFCNode* const found = GetDataTypeNode(type);
+    // A host may have hung nodes of other classes into the catalog: they bind nothing.
     if (found != nullptr && found->GetNodeType() == eShapeType_FileType) {
-        variable->SetFileType(true);
-        CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(found->GetParentNode()), description);
-        CFCFileTypeNode::Copy(dynamic_cast<CFCFileTypeNode*>(found), variable->GetFileTypeNode());
-        description->SetNodeType(eShapeType_FileType);
-    } else if (found != nullptr) {
-        CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(found), description);
+        if (auto* const fileType = dynamic_cast<CFCFileTypeNode*>(found)) {
+            variable->SetFileType(true);
+            CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(found->GetParentNode()), description);
+            CFCFileTypeNode::Copy(fileType, variable->GetFileTypeNode());
+            description->SetNodeType(eShapeType_FileType);
+        }
+    } else if (CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(found), description)) {
         caption = found->GetNodeCaption();
     }
 

@@ -1,7 +1,6 @@
-#include "flowmere/algorithms/CatalogSearch.h"
+#include "flowmere/algorithms/FCNodeHelper.h"
 
 #include "TreeBuilder.h"
-#include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/model/FCCatalogNodes.h"
 
 #include <vector>
@@ -137,16 +136,24 @@ TEST_F(FindDataTypeNode, VeryDeepCatalogsNeedNoStack) {
     EXPECT_EQ(byType(L"Nothing"), nullptr);
 }
 
-TEST_F(FindDataTypeNode, AnEntryAnswersByThePlaceWhereItStands) {
-    EXPECT_TRUE(flowmere::isCatalogEntry(first, L"firsttype", true));
-    EXPECT_TRUE(flowmere::isCatalogEntry(group, L"GroupType", true));
-    EXPECT_TRUE(flowmere::isCatalogEntry(subGroup, L"Sub Caption", true));
-    EXPECT_FALSE(flowmere::isCatalogEntry(last, L"Last Caption", true));
-    EXPECT_TRUE(flowmere::isCatalogEntry(last, L"Last Caption", false));
-    IFCNode* const leading = entry(81, L"Lead", L"LeadType");
-    root->AppendChild(leading, false);
-    EXPECT_FALSE(flowmere::isCatalogEntry(leading, L"LeadType", true));
-    EXPECT_TRUE(flowmere::isCatalogEntry(leading, L"Lead", true));
+TEST_F(FindDataTypeNode, AClassOfTheHostIsAnEntryLikeAnyOther) {
+    class HostType : public CFCDataTypeNode {};
+    auto* const node = new HostType;
+    node->SetNodeType(80);
+    node->SetNodeCaption(L"Host Caption");
+    node->SetType(L"HostType");
+    last->SetNext(node);
+    node->SetPrev(last);
+    node->SetParentNode(root);
+    EXPECT_EQ(byType(L"hosttype"), node);
+    EXPECT_EQ(byType(L"Host Caption"), nullptr);
+    EXPECT_EQ(byCaption(L"Host Caption"), node);
+}
+
+TEST_F(FindDataTypeNode, NamesThatOnlyBeginAlikeDiffer) {
+    EXPECT_EQ(byType(L"InnerTyp"), nullptr);
+    EXPECT_EQ(byType(L"InnerTypeX"), nullptr);
+    EXPECT_EQ(byCaption(L"Inner"), nullptr);
 }
 
 } // namespace

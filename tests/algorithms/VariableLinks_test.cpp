@@ -328,6 +328,17 @@ TEST_F(VariableLinks, ScopedVariableFallsBackToItsOwnName) {
     }
 }
 
+TEST_F(VariableLinks, EmptyValueMeetsANamelessGroupMemberBeforeTheOwnName) {
+    addVariable(sub, L"mine");
+    CFCVariableData* const member = addVariable(sub, L"member");
+    member->SetGroup(true);
+    CFCVariableData* const mine = addVariable(inner, L"mine");
+    scoped(mine, EScopeType_Parent, L"");
+    mine->ConvertToLinkedVariable();
+    EXPECT_EQ(mine->GetLinkedVariableHandle(), member->GetNodeHandle());
+    EXPECT_STREQ(mine->GetLinkPath(), L"Sub.");
+}
+
 TEST_F(VariableLinks, ScopedVariableWithoutTargetStaysAsItIs) {
     CFCVariableData* const mine = addVariable(inner, L"mine");
     scoped(mine, EScopeType_Global, L"nothing");

@@ -142,6 +142,75 @@ TEST(FCDataTypeNode, StartsWithAnEmptyCodeRecord) {
     EXPECT_EQ(node.GetLanguage(), EScriptType_PYTHON);
 }
 
+TEST(FCDataTypeNode, MakesItsCodeRecordWhenThatIsAskedFor) {
+    class Node : public CFCDataTypeNode {
+    public:
+        using CFCDataTypeNode::HasOwnRecord;
+    };
+    Node node;
+    Node other;
+    EXPECT_FALSE(node.HasOwnRecord());
+    node.SetType(L"Int");
+    EXPECT_TRUE(CFCDataTypeNode::Copy(&node, &other));
+    node.SetCodeNode(4, L"text", true); // a language without code
+    EXPECT_FALSE(node.HasOwnRecord());
+    EXPECT_FALSE(other.HasOwnRecord());
+
+    EXPECT_EQ(codes(node), ";;;;;;");
+    EXPECT_TRUE(node.HasOwnRecord());
+    other.SetCodeNode(6, L"js", true);
+    EXPECT_TRUE(other.HasOwnRecord());
+    EXPECT_EQ(codes(other), "js;;;;;;");
+}
+
+TEST(FCDataTypeNode, CopyOfANodeWithoutCodeClearsTheCode) {
+    CFCDataTypeNode source;
+    CFCDataTypeNode target;
+    target.SetCodeNode(6, L"js", true);
+    NodeCode* const record = target.GetCodeNode();
+    EXPECT_TRUE(CFCDataTypeNode::Copy(&source, &target));
+    EXPECT_EQ(target.GetCodeNode(), record);
+    EXPECT_EQ(codes(target), ";;;;;;");
+}
+
+TEST(FCDataTypeNode, CopiesShareARecordThatNobodyAskedForBefore) {
+    CFCDataTypeNode node;
+    CFCDataTypeNode copy(node);
+    CFCDataTypeNode assigned;
+    assigned = node;
+    node.SetCodeNode(6, L"js", true);
+    EXPECT_EQ(codes(copy), "js;;;;;;");
+    EXPECT_EQ(codes(assigned), "js;;;;;;");
+    CFCDataTypeNode& alias = assigned;
+    assigned = alias;
+    EXPECT_EQ(codes(assigned), "js;;;;;;");
+}
+
+TEST(FCDataTypeNode, CopiesOfANodeWithoutRecordHaveNone) {
+    CFCDataTypeNode node;
+    node.SetType(L"Int");
+    node.SetScope(L"S");
+    node.SetLanguage(7);
+    node.SetCodeNode(static_cast<NodeCode*>(nullptr));
+    CFCDataTypeNode copy(node);
+    CFCDataTypeNode assigned;
+    assigned = node;
+    for (CFCDataTypeNode* each : {&copy, &assigned}) {
+        EXPECT_EQ(each->GetCodeNode(), nullptr);
+        EXPECT_STREQ(each->GetType(), L"Int");
+        EXPECT_STREQ(each->GetScope(), L"S");
+        EXPECT_EQ(static_cast<int>(each->GetLanguage()), 7);
+    }
+}
+
+TEST(FCDataTypeNode, NodeTakesARecordThoughItNeverMadeOne) {
+    CFCDataTypeNode node;
+    auto* const record = new NodeCode;
+    record->setCodeJS = L"js";
+    node.SetCodeNode(record);
+    EXPECT_EQ(node.GetCodeNode(), record);
+}
+
 TEST(FCDataTypeNode, KeepsTypeScopeAndLanguage) {
     CFCDataTypeNode node;
     node.SetType(L"IntArray");

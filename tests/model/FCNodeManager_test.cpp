@@ -1,5 +1,6 @@
 #include "flowmere/model/FCNodeManager.h"
 
+#include "flowmere/model/NodeTable.h"
 #include "model/PlainNodes.h"
 #include "support/TestSupport.h"
 
@@ -35,6 +36,24 @@ TEST(CFCNodeManager, GivesNullForANodeThatIsGone) {
 
 TEST(CFCNodeManager, GivesNullForAHandleAboveTheTable) {
     EXPECT_EQ(CFCNodeManager::GetNode(std::numeric_limits<int>::max()), nullptr);
+}
+
+TEST(NodeTable, TellsTheLivingNodeAndIsSilentOnEveryOtherNumber) {
+    using flowmere::livingNode;
+    static_assert(noexcept(livingNode(0)));
+    auto node = std::make_unique<PlainNode>();
+    int const handle = node->GetNodeHandle();
+    EXPECT_EQ(livingNode(handle), node.get());
+    node.reset();
+    EXPECT_EQ(livingNode(handle), nullptr);
+    // Among the last of these is the handle just behind the table.
+    for (int number = handle; number < handle + 100; ++number) {
+        EXPECT_EQ(livingNode(number), nullptr);
+    }
+    for (int number :
+         {0, -1, -handle, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), entryCount()}) {
+        EXPECT_EQ(livingNode(number), nullptr) << number;
+    }
 }
 
 TEST(CFCNodeManager, EntryZeroBelongsToNoNode) {

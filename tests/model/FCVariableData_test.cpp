@@ -655,17 +655,22 @@ TEST(FCVariableData, NumericLiteralComesFromTheTypedStore) {
     EXPECT_EQ(literalByType(f), "2.35");
 }
 
-TEST(FCVariableData, NumericLiteralHasAPointInEveryLocale) {
+TEST(FCVariableData, NumericLiteralHasAPointUnderALocaleWithAComma) {
     std::string const before = std::setlocale(LC_ALL, nullptr);
-    for (char const* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "C.UTF-8"}) {
-        std::setlocale(LC_ALL, name);
-        Variable v;
-        v.SetDataType(EDataType_Double);
-        v.SetValue(L"1.5");
-        v.UpdateValue();
-        EXPECT_EQ(literalByType(v), "1.50") << name;
+    bool comma = false;
+    for (char const* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "nl_NL.UTF-8", "de_DE", "German"}) {
+        comma = comma || (std::setlocale(LC_ALL, name) != nullptr && *std::localeconv()->decimal_point == ',');
     }
+    Variable v;
+    v.SetDataType(EDataType_Double);
+    v.SetValue(L"1.5");
+    v.UpdateValue();
+    std::string const code = literalByType(v);
     std::setlocale(LC_ALL, before.c_str());
+    EXPECT_EQ(code, "1.50");
+    if (!comma) {
+        GTEST_SKIP() << "no locale with a decimal comma is installed here";
+    }
 }
 
 TEST(FCVariableData, ListCodeIsKeptInTheBufferOfTheLiteral) {

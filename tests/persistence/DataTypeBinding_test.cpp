@@ -1,5 +1,6 @@
 #include "flowmere/environment/FCEnvironment.h"
 #include "flowmere/model/FCCatalogNodes.h"
+#include "flowmere/model/FCNodeFactory.h"
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/persistence/FCDataTypeListReader.h"
 #include "support/EnvironmentGuard.h"
@@ -125,6 +126,36 @@ TEST_F(DataTypeBinding, FileTypeGoesToTheFileTypeNode) {
     EXPECT_STREQ(variable.GetFileTypeNode()->GetFileTypeExtension(), L"png");
     EXPECT_STREQ(variable.GetFileTypeNode()->GetFileTypeDescription(), L"A picture");
     EXPECT_STREQ(variable.GetDataTypeNode()->GetType(), L"");
+}
+
+TEST_F(DataTypeBinding, LaterDataTypeLeavesTheFileType) {
+    writeCatalog();
+    writeFile(fileTypesPath, kFileTypes);
+    CFCDataTypeListReader::RefreshDataTypes();
+    variable.UpdateToDataTypes(L"Picture");
+    variable.UpdateToDataTypes(L"Directory");
+    EXPECT_TRUE(variable.IsFileType());
+    EXPECT_STREQ(variable.GetFileTypeNode()->GetFileTypeName(), L"Picture");
+    EXPECT_STREQ(variable.GetDataTypeNode()->GetType(), L"Directory");
+}
+
+TEST_F(DataTypeBinding, NodeOfAnotherClassInTheCatalogBindsNothing) {
+    writeCatalog();
+    CFCDataTypeListReader::RefreshDataTypes();
+    IFCNode* const root = CFCDataTypeListReader::GetDataTypeRootNode();
+    ASSERT_NE(root, nullptr);
+    for (int type : {83, 80}) {
+        IFCNode* const odd = CFCNodeFactory().Create(71);
+        odd->SetNodeType(type);
+        odd->SetNodeCaption(L"Stray");
+        odd->SetNext(root->GetNext());
+        root->SetNext(odd);
+        variable.UpdateToDataTypes(L"Stray");
+        EXPECT_FALSE(variable.IsFileType()) << type;
+        EXPECT_STREQ(variable.GetDataTypeNode()->GetNodeCaption(), L"");
+        root->SetNext(odd->GetNext());
+        delete odd;
+    }
 }
 
 TEST_F(DataTypeBinding, MissingCatalogChangesNothing) {

@@ -1,12 +1,14 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
 #include "flowmere/model/FCCatalogNodes.h"
+#include "flowmere/model/FCNodeFactory.h"
 #include "flowmere/model/FCNodeManager.h"
 #include "flowmere/model/FCVariableData.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -124,6 +126,87 @@ TEST_F(DataTypeLookupDeathTest, ARenamedEntryIsNotFoundUnderItsFormerName) {
         entry->SetType(L"Long");
         EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
         EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Long"), entry);
+    });
+}
+
+TEST_F(DataTypeLookupDeathTest, EachSearchGivesTheFirstEntryThatAnswersNow) {
+    inNewProcess([](ScratchFolder&) {
+        writeCatalog();
+        IFCNode* const entry = CFCNodeHelper::GetDataTypeNode(L"Int");
+        auto* const earlier = dynamic_cast<CFCDataTypeNode*>(CFCNodeHelper::GetDataTypeNode(L"Odd"));
+        ASSERT_NE(entry, nullptr);
+        ASSERT_NE(earlier, nullptr);
+        earlier->SetType(L"Int");
+        EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), earlier);
+        CFCNodeHelper::DestroyTree(earlier);
+        EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), entry);
+        CFCNodeHelper::DestroyTree(entry);
+        EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
+    });
+}
+
+TEST_F(DataTypeLookupDeathTest, ABrokenFileIsReadAgainOnlyOnceItHasChanged) {
+    inNewProcess([](ScratchFolder& scratch) {
+        std::filesystem::path const file = systemPath(CFCEnvironment::GetDataTypeFilePath());
+        writeFile(file, "<DataTypes");
+        EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
+        int const before = lastHandle();
+        for (int i = 0; i < 10; ++i) {
+            EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
+        }
+        EXPECT_EQ(lastHandle(), before + 1) << "no list was made for it";
+        // As long as before, and written later.
+        std::string const sameLength = "<DataTypex";
+        writeFile(file, sameLength);
+        std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(5));
+        EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
+        EXPECT_GT(lastHandle(), before + 2) << "it was tried";
+        // A file elsewhere is another one.
+        CFCEnvironment::SetBasePath(wide(scratch.path() / "other"));
+        writeCatalog();
+        EXPECT_NE(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
+    });
+}
+
+TEST_F(DataTypeLookupDeathTest, ANodeOfAnotherClassInTheCatalogBindsNothing) {
+    inNewProcess([](ScratchFolder&) {
+        writeCatalog();
+        IFCNode* const group = CFCNodeHelper::GetDataTypeNode(L"BasicGroup");
+        ASSERT_NE(group, nullptr);
+        for (int type : {80, 83, 71}) {
+            CFCNodeFactory factory;
+            IFCNode* const odd = factory.Create(71);
+            odd->SetNodeType(type);
+            odd->SetNodeCaption(L"StrayArray");
+            group->GetParentNode()->GetChild()->SetNext(odd);
+            odd->SetNext(group);
+            ASSERT_EQ(CFCNodeHelper::GetDataTypeNode(L"strayARRAY"), odd);
+            CFCVariableData variable;
+            variable.GetDataTypeNode()->SetScope(L"mine");
+            CFCNodeHelper::SetDataTypeNode(&variable, L"strayARRAY");
+            EXPECT_FALSE(variable.IsFileType()) << type;
+            EXPECT_EQ(variable.GetDataTypeNode()->GetNodeType(), 80);
+            EXPECT_STREQ(variable.GetDataTypeNode()->GetType(), L"strayARRAY");
+            EXPECT_STREQ(variable.GetDataTypeNode()->GetNodeCaption(), L"stray") << "as for a name without entry";
+            EXPECT_STREQ(variable.GetDataTypeNode()->GetScope(), L"mine");
+            group->GetParentNode()->GetChild()->SetNext(group);
+            delete odd;
+            variable.ReleaseOwnedParts();
+        }
+    });
+}
+
+TEST_F(DataTypeLookupDeathTest, ALaterTypeDoesNotUndoAFileType) {
+    inNewProcess([](ScratchFolder&) {
+        writeCatalog();
+        CFCVariableData variable;
+        CFCNodeHelper::SetDataTypeNode(&variable, L"Picture");
+        CFCNodeHelper::SetDataTypeNode(&variable, L"Int");
+        EXPECT_TRUE(variable.IsFileType());
+        EXPECT_EQ(variable.GetDataTypeNode()->GetNodeType(), 83);
+        EXPECT_STREQ(variable.GetDataTypeNode()->GetNodeCaption(), L"Whole Number");
+        EXPECT_EQ(variable.GetFileTypeNode()->GetFileTypeID(), 7);
+        variable.ReleaseOwnedParts();
     });
 }
 
