@@ -13,8 +13,10 @@
 #include "flowmere/model/FCPointerConverter.h"
 #include "flowmere/model/FCVariableData.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -71,6 +73,17 @@ EExecutionStateType composedState(unsigned int states) {
                                                                       : EExecutionStateType_Pending;
     }
     return EExecutionStateType_Executed;
+}
+
+// Whether a walk along the list comes to a place.
+bool reaches(CFCNodeList& list, __FCPOSITION* place) {
+    for (__FCPOSITION* position = list.GetHeadPosition(); position != nullptr;) {
+        if (position == place) {
+            return true;
+        }
+        list.GetNextNode(position);
+    }
+    return false;
 }
 
 bool isComposite(IFCNode* node) {
@@ -194,6 +207,7 @@ CFCBlockData::OwnedVariables::OwnedVariables(OwnedVariables const& other) : m_li
 
 CFCBlockData::OwnedVariables& CFCBlockData::OwnedVariables::operator=(OwnedVariables const& other) {
     if (this != &other) {
+        leave();
         m_list = other.m_list;
         share(other);
     }
@@ -207,31 +221,94 @@ CFCBlockData::OwnedVariables::~OwnedVariables() {
 void CFCBlockData::OwnedVariables::share(OwnedVariables const& other) {
     // Of an empty list there is nothing to share: each side will own what it adds.
     if (m_list.GetHeadPosition() == nullptr) {
-        m_gone.reset();
         return;
     }
-    if (other.m_gone == nullptr) {
-        other.m_gone = std::make_shared<bool>(false);
+    if (other.m_holders == nullptr) {
+        other.m_holders = std::make_shared<Holders>(Holders{&other});
     }
-    m_gone = other.m_gone;
+    other.m_holders->push_back(this);
+    m_holders = other.m_holders;
 }
 
-void CFCBlockData::OwnedVariables::forget() {
-    // Assigning is the one way to empty a list without touching its elements; the list keeps its handle.
+void CFCBlockData::OwnedVariables::leave() {
+    if (m_holders != nullptr) {
+        m_holders->erase(std::remove(m_holders->begin(), m_holders->end(), this), m_holders->end());
+        m_holders.reset();
+    }
+}
+
+bool CFCBlockData::OwnedVariables::contains(IFCNode* node) {
+    IFCNode* const prev = node->GetPrev();
+    IFCNode* const next = node->GetNext();
+    bool const follows = prev != nullptr && prev->GetNext() == node;
+    bool const leads = next != nullptr && next->GetPrev() == node;
+    bool const isHead = m_list.GetHeadPosition() == reinterpret_cast<__FCPOSITION*>(node);
+    bool const isTail = m_list.GetTailPosition() == reinterpret_cast<__FCPOSITION*>(node);
+    return (isHead || follows) && (isTail || leads);
+}
+
+void CFCBlockData::OwnedVariables::forget() const {
+    takeEnds(CFCVariableList());
+    m_holders.reset();
+}
+
+void CFCBlockData::OwnedVariables::takeEnds(CFCVariableList const& list) const {
+    // Assigning is the one way to change the ends without touching the elements; the list keeps its handle.
     int const handle = m_list.GetNodeHandle();
-    m_list = CFCVariableList();
+    m_list = list;
     m_list.SetNodeHandle(handle);
-    m_gone.reset();
+}
+
+// Takes over what another holder added to the elements that both share.
+void CFCBlockData::OwnedVariables::adopt(OwnedVariables const& holder) {
+    __FCPOSITION* const last = holder.m_list.GetTailPosition();
+    if (holder.m_list.GetHeadPosition() != m_list.GetHeadPosition()) {
+        return;
+    }
+    for (__FCPOSITION* position = m_list.GetTailPosition(); position != nullptr; m_list.GetNextNode(position)) {
+        if (position == last) {
+            takeEnds(holder.m_list);
+            return;
+        }
+    }
+}
+
+void CFCBlockData::OwnedVariables::deleteOne(IFCNode* variable) {
+    if (variable == nullptr || !contains(variable)) {
+        return;
+    }
+    auto const* const position = reinterpret_cast<__FCPOSITION*>(variable);
+    __FCPOSITION* const head = m_list.GetHeadPosition();
+    __FCPOSITION* const tail = m_list.GetTailPosition();
+    // The lists of others that start or end here, or know the same elements, are to see what is left.
+    Holders concerned;
+    if (m_holders != nullptr) {
+        for (OwnedVariables const* const holder : *m_holders) {
+            __FCPOSITION* const first = holder->m_list.GetHeadPosition();
+            __FCPOSITION* const last = holder->m_list.GetTailPosition();
+            if (holder != this && (first == position || last == position || (first == head && last == tail))) {
+                concerned.push_back(holder);
+            }
+        }
+    }
+    if (CFCVariableData* const data = variable->GetVariableData()) {
+        data->ReleaseOwnedParts();
+    }
+    m_list.DeleteNode(variable);
+    for (OwnedVariables const* const holder : concerned) {
+        holder->takeEnds(m_list);
+    }
 }
 
 void CFCBlockData::OwnedVariables::deleteAll() {
-    if (m_gone != nullptr) {
-        if (*m_gone) {
-            forget();
-            return;
+    if (m_holders != nullptr) {
+        std::shared_ptr<Holders> const holders = std::move(m_holders);
+        for (OwnedVariables const* const holder : *holders) {
+            if (holder != this) {
+                adopt(*holder);
+                holder->forget();
+            }
         }
-        *m_gone = true;
-        m_gone.reset();
     }
     for (__FCPOSITION* position = m_list.GetHeadPosition(); position != nullptr;) {
         if (CFCVariableData* const variable = m_list.GetNext(position)) {
@@ -244,6 +321,55 @@ void CFCBlockData::OwnedVariables::deleteAll() {
 // Block data
 
 CFCBlockData::CFCBlockData() = default;
+
+// Written out, because a container that looks its children up by identifier must hear of it before.
+CFCBlockData& CFCBlockData::operator=(CFCBlockData const& other) {
+    if (this != &other) {
+        flowmere::childIdentityChanges(*this);
+        CFCShape::operator=(other);
+        portList = other.portList;
+        activeHandle = other.activeHandle;
+        connectorList = other.connectorList;
+        spareConnectorList = other.spareConnectorList;
+        variables = other.variables;
+        relativeImagePath = other.relativeImagePath;
+        location = other.location;
+        scriptChanged = other.scriptChanged;
+        blockId = other.blockId;
+        oldBlockId = other.oldBlockId;
+        blockName = other.blockName;
+        scriptCode = other.scriptCode;
+        cmdScriptCode = other.cmdScriptCode;
+        fullBlockName = other.fullBlockName;
+        scriptFileName = other.scriptFileName;
+        scriptName = other.scriptName;
+        scriptNameFinal = other.scriptNameFinal;
+        scriptLocation = other.scriptLocation;
+        fullScriptFileName = other.fullScriptFileName;
+        toolTip = other.toolTip;
+        description = other.description;
+        helpFile = other.helpFile;
+        comInterface = other.comInterface;
+        comCommand = other.comCommand;
+        executeMethod = other.executeMethod;
+        saveRestoreScript = other.saveRestoreScript;
+        scriptDir = other.scriptDir;
+        scriptType = other.scriptType;
+        executionState = other.executionState;
+        folderPath = other.folderPath;
+        hasImage = other.hasImage;
+        undoFlag = other.undoFlag;
+        skipFlag = other.skipFlag;
+        stopFlag = other.stopFlag;
+        executedFlag = other.executedFlag;
+        executingFlag = other.executingFlag;
+        breakPointFlag = other.breakPointFlag;
+        referenceBlock = other.referenceBlock;
+        scriptList = other.scriptList;
+        shouldRun = other.shouldRun;
+    }
+    return *this;
+}
 
 CFCBlockData::~CFCBlockData() = default;
 
@@ -426,12 +552,7 @@ CFCVariableData* CFCBlockData::FindVariable(wchar_t const* name) {
 }
 
 bool CFCBlockData::DeleteVariable(IFCNode* variable) {
-    if (variable != nullptr) {
-        if (CFCVariableData* const data = variable->GetVariableData()) {
-            data->ReleaseOwnedParts();
-        }
-        GetVariableList()->DeleteNode(variable);
-    }
+    variables.deleteOne(variable);
     return true;
 }
 
@@ -515,11 +636,8 @@ void CFCBlockData::SetConnectorList(CFCConnectorList* list) {
         return;
     }
     // A list that shares its elements with this one would be chained into a ring.
-    for (__FCPOSITION* position = connectorList.GetHeadPosition(); position != nullptr;) {
-        if (position == list->GetHeadPosition()) {
-            return;
-        }
-        connectorList.GetNextNode(position);
+    if (reaches(connectorList, list->GetHeadPosition()) || reaches(*list, connectorList.GetHeadPosition())) {
+        return;
     }
     for (__FCPOSITION* position = list->GetHeadPosition(); position != nullptr;) {
         connectorList.AddTail(list->GetNextNode(position));

@@ -9,6 +9,7 @@
 #include "flowmere/model/FCVariableList.h"
 
 #include <memory>
+#include <vector>
 
 class CFCBlockData;
 class CFCDocumentNode;
@@ -156,12 +157,13 @@ private:
 //
 // Getters of text give the stored text, valid until that field changes; setters copy, and store null as the empty text.
 // The variables belong to this object and go with it; connectors and documents do not. Copies share variables,
-// connectors and documents with their source; of objects that share their variables the first to go takes them along.
+// connectors and documents with their source; of objects that share their variables the first to go takes them along,
+// and what one of them deletes is gone for all.
 class FLOWMERE_API CFCBlockData : public CFCShape {
 public:
     CFCBlockData();
     CFCBlockData(CFCBlockData const& other) = default;
-    CFCBlockData& operator=(CFCBlockData const& other) = default;
+    CFCBlockData& operator=(CFCBlockData const& other);
     ~CFCBlockData() override;
 
     // Adds a new variable (type code 72) at the tail of the list, with the block's node as its parent, and gives it.
@@ -310,7 +312,7 @@ public:
 
     // The first variable of exactly this name, or null. The text is a plain name, never a path.
     CFCVariableData* FindVariable(wchar_t const* name);
-    // Remove and destroy one variable, which must be an element, or all of them. Always true.
+    // Remove and destroy one variable, or all of them. Always true; a variable that is no element is left alone.
     bool DeleteVariable(IFCNode* variable);
     bool DeleteVariables();
     void UnMarkVariables();
@@ -342,7 +344,8 @@ public:
     void CopyFrom(CFCBlockData* source);
 
 private:
-    // The variables with their lifetime. Copies share the elements, and a mark that tells them when these are gone.
+    // The variables with their lifetime. Copies share the elements, and know of each other: what one deletes, the
+    // others must not touch any more.
     class OwnedVariables {
     public:
         OwnedVariables() = default;
@@ -350,20 +353,22 @@ private:
         OwnedVariables& operator=(OwnedVariables const& other);
         ~OwnedVariables();
 
-        CFCVariableList* list() {
-            if (m_gone != nullptr && *m_gone) {
-                forget();
-            }
-            return &m_list;
-        }
+        CFCVariableList* list() { return &m_list; }
+        void deleteOne(IFCNode* variable);
         void deleteAll();
 
     private:
-        void share(OwnedVariables const& other);
-        void forget();
+        using Holders = std::vector<OwnedVariables const*>;
 
-        CFCVariableList m_list;
-        mutable std::shared_ptr<bool> m_gone; // only where a copy was made
+        void share(OwnedVariables const& other);
+        void leave();
+        void adopt(OwnedVariables const& holder);
+        bool contains(IFCNode* node);
+        void forget() const;
+        void takeEnds(CFCVariableList const& list) const;
+
+        mutable CFCVariableList m_list;
+        mutable std::shared_ptr<Holders> m_holders; // only where a copy was made
     };
 
     void loadScriptFile();

@@ -13,6 +13,17 @@ using flowmere::test::narrow;
 
 namespace {
 
+// The JSON text as it was written last, without writing it anew. An explicit instantiation may name a private member.
+TuString const& writtenJson(CFCArgumentData& record);
+TuString const& writtenJson(CFCPatternData& record);
+
+template <typename Class, TuString Class::*Member>
+struct JsonPeek {
+    friend TuString const& writtenJson(Class& record) { return record.*Member; }
+};
+template struct JsonPeek<CFCArgumentData, &CFCArgumentData::m_json>;
+template struct JsonPeek<CFCPatternData, &CFCPatternData::m_json>;
+
 template <typename Class>
 struct IntField {
     char const* name;
@@ -196,12 +207,10 @@ TEST(FCArgumentData, CopyLeavesTheJsonTextOut) {
     source.SetArgumentType(L"t");
     source.SetArgumentName(L"n");
     CFCArgumentData target;
-    wchar_t const* const before = target.GetJSONString();
-    std::wstring const text = before;
-    source.GetJSONString();
+    TuString const before(target.GetJSONString());
+    EXPECT_NE(before, source.GetJSONString());
     CFCArgumentData::Copy(&source, &target);
-    // The buffer was not written: the text that the pointer leads to is the old one.
-    EXPECT_EQ(text, before);
+    EXPECT_EQ(writtenJson(target), before);
     EXPECT_EQ(target.GetArgumentIndex(), 1);
     EXPECT_EQ(target.GetArgumentID(), 2);
     EXPECT_EQ(target.GetCmdLineID(), 3);
@@ -227,8 +236,11 @@ TEST(FCArgumentData, CloneHasTheFieldsButNoPlaceInTheTree) {
     argument.SetNodeCaption(L"caption");
     argument.SetArgumentIndex(4);
     argument.SetArgumentName(L"n");
+    argument.GetJSONString();
     std::unique_ptr<CFCArgumentData> const clone(argument.CloneArgument());
     ASSERT_NE(clone, nullptr);
+    EXPECT_STREQ(writtenJson(argument), LR"json({'"'index'"': '"'4'"','"'value'"': '"''"'})json");
+    EXPECT_STREQ(writtenJson(*clone), L"");
     EXPECT_EQ(clone->GetArgumentIndex(), 4);
     EXPECT_STREQ(clone->GetArgumentName(), L"n");
     EXPECT_EQ(clone->GetNodeType(), 0);
@@ -296,15 +308,14 @@ TEST(FCPatternData, CopyTakesAllFields) {
 
 TEST(FCPatternData, CopyTakesTheJsonTextToo) {
     CFCPatternData source;
-    source.SetPatternName(L"a name that is long enough to be looked for");
-    wchar_t const* const text = source.GetJSONString();
     CFCPatternData target;
+    EXPECT_STREQ(writtenJson(source), L"");
+    source.SetPatternName(L"first");
+    TuString const written(source.GetJSONString());
+    source.SetPatternName(L"second");
     CFCPatternData::Copy(&source, &target);
-    // The two buffers share one text, which the target keeps when the source writes a new one.
-    std::wstring const expected = text;
-    source.SetPatternName(L"other");
-    source.GetJSONString();
-    EXPECT_EQ(expected, text);
+    EXPECT_EQ(writtenJson(target), written);
+    EXPECT_STREQ(target.GetPatternName(), L"second");
 }
 
 TEST(FCDeploymentData, StartsEmpty) {

@@ -494,6 +494,7 @@ TEST(FCBlockData, CopyTakesTheIdentityOnly) {
 }
 
 TEST(FCBlockData, CopyConstructionAndAssignmentTakeEveryField) {
+    EnvironmentGuard const unset;
     CFCBlockData source;
     for (TextField const& field : kTextFields) {
         (source.*field.set)(L"source");
@@ -508,12 +509,20 @@ TEST(FCBlockData, CopyConstructionAndAssignmentTakeEveryField) {
     source.SetExecutionStateType(state(4));
     source.ColorFill = 1;
     source.SetTuRect(1, 2, 3, 4);
+    source.SetScriptName(L"pkg.Source");
+    source.SetLocation(static_cast<EScriptLocation>(3));
+    source.GetPortList()->GetPort(2)->SetPortName(L"Way");
     CFCVariableData* const variable = source.CreateNewVariable();
+    std::unique_ptr<CFCDocumentNode> const document(source.CreateNewScript());
+    CFCConnector connector;
+    source.AddConnector(&connector);
 
     CFCBlockData built(source);
     CFCBlockData assigned;
     assigned = source;
     for (CFCBlockData* copy : {&built, &assigned}) {
+        // Asking for the final name below derives this one anew.
+        EXPECT_STREQ(L"pkg.Source", copy->GetScriptName());
         for (TextField const& field : kTextFields) {
             EXPECT_STREQ(L"source", (copy->*field.get)()) << field.name;
         }
@@ -527,6 +536,9 @@ TEST(FCBlockData, CopyConstructionAndAssignmentTakeEveryField) {
         EXPECT_EQ(4, copy->GetExecutionStateType());
         EXPECT_EQ(1U, copy->ColorFill);
         expectRect(*copy, 1, 2, 3, 4);
+        EXPECT_STREQ(L"Way", copy->GetPortList()->GetPort(2)->GetPortName());
+        EXPECT_EQ(document.get(), copy->GetScriptList()->GetAt(0));
+        EXPECT_EQ(&connector, copy->GetConnectorList()->GetAt(0));
         __FCPOSITION* position = copy->GetVariableList()->GetHeadPosition();
         EXPECT_EQ(variable, copy->GetVariableList()->GetNext(position));
     }
@@ -657,6 +669,79 @@ TEST(FCBlockData, SelfAssignmentKeepsTheVariables) {
     CFCBlockData& same = data;
     data = same;
     EXPECT_EQ(variable, data.GetVariableList()->GetAt(0));
+}
+
+TEST(FCBlockData, DeletingOneSharedVariableIsSeenByTheOthers) {
+    for (int const number : {0, 1, 2}) {
+        SCOPED_TRACE(number);
+        CFCBlockData source;
+        std::vector<CFCVariableData*> left;
+        for (int i = 0; i < 3; ++i) {
+            left.push_back(source.CreateNewVariable());
+        }
+        auto copy = std::make_unique<CFCBlockData>(source);
+        int const listHandle = copy->GetVariableList()->GetNodeHandle();
+        EXPECT_TRUE(source.DeleteVariable(left[static_cast<std::size_t>(number)]));
+        left.erase(left.begin() + number);
+        for (CFCBlockData* data : {&source, copy.get()}) {
+            ASSERT_EQ(2, data->GetVariableList()->GetCount());
+            EXPECT_EQ(left[0], data->GetVariableList()->GetAt(0));
+            EXPECT_EQ(static_cast<IFCNode*>(left[1]),
+                      reinterpret_cast<IFCNode*>(data->GetVariableList()->GetTailPosition()));
+        }
+        EXPECT_EQ(listHandle, copy->GetVariableList()->GetNodeHandle());
+        // The copy goes first and takes what is left, and nothing else.
+        copy.reset();
+        EXPECT_EQ(nullptr, source.GetVariableList()->GetHeadPosition());
+    }
+}
+
+TEST(FCBlockData, DeletingTheLastSharedVariableLeavesTheOthersEmpty) {
+    CFCBlockData source;
+    CFCVariableData* const variable = source.CreateNewVariable();
+    CFCBlockData const copy(source);
+    CFCBlockData third(copy);
+    EXPECT_TRUE(source.DeleteVariable(variable));
+    EXPECT_EQ(nullptr, third.GetVariableList()->GetHeadPosition());
+    EXPECT_EQ(nullptr, third.GetVariableList()->GetTailPosition());
+    EXPECT_EQ(nullptr, third.FindVariable(L"x"));
+}
+
+TEST(FCBlockData, LeavesAVariableAloneThatIsNoElement) {
+    CFCBlockData data;
+    CFCVariableData* const own = data.CreateNewVariable();
+    CFCVariableData stranger;
+    CFCDataTypeNode* const type = stranger.GetDataTypeNode();
+    ASSERT_NE(nullptr, type);
+    EXPECT_TRUE(data.DeleteVariable(&stranger));
+    EXPECT_EQ(type, stranger.GetDataTypeNode());
+    EXPECT_EQ(own, data.GetVariableList()->GetAt(0));
+    stranger.ReleaseOwnedParts();
+}
+
+TEST(FCBlockData, WhatACopyAddedGoesWithTheSharedVariables) {
+    auto source = std::make_unique<CFCBlockData>();
+    source->CreateNewVariable();
+    CFCBlockData copy(*source);
+    int const added = copy.CreateNewVariable()->GetNodeHandle();
+    source.reset();
+    EXPECT_EQ(nullptr, CFCNodeManager::GetNode(added));
+    EXPECT_EQ(nullptr, copy.GetVariableList()->GetHeadPosition());
+}
+
+TEST(FCBlockData, AssignmentLeavesTheVariablesSharedBefore) {
+    CFCBlockData source;
+    CFCVariableData* const shared = source.CreateNewVariable();
+    CFCBlockData other;
+    CFCVariableData* const others = other.CreateNewVariable();
+    CFCBlockData copy(source);
+    copy = other;
+    EXPECT_TRUE(source.DeleteVariables());
+    EXPECT_EQ(others, copy.GetVariableList()->GetAt(0));
+    EXPECT_NE(shared, others);
+    copy = CFCBlockData();
+    EXPECT_EQ(nullptr, copy.GetVariableList()->GetHeadPosition());
+    EXPECT_EQ(others, other.GetVariableList()->GetAt(0));
 }
 
 TEST(FCBlockData, VariableListKeepsItsHandleWhenSharedVariablesAreGone) {
@@ -853,6 +938,20 @@ TEST(FCBlockData, SetConnectorListLeavesItsOwnElementsAlone) {
     process->SetConnectorList(&shared);
     process->SetConnectorList(nullptr);
     EXPECT_EQ(2, process->GetConnectorList()->GetCount());
+}
+
+TEST(FCBlockData, SetConnectorListMakesNoRingOfAListThatLeadsIntoIt) {
+    auto const process = makeTree();
+    auto* const a = addChild(process.get(), L"A");
+    auto* const b = addChild(process.get(), L"B");
+    CFCConnector* const own = connect(process.get(), a, b);
+    auto const leading = makeConnector(b, a);
+    CFCConnectorList other;
+    other.AddTail(leading.get());
+    leading->SetNext(own);
+    process->SetConnectorList(&other);
+    EXPECT_EQ(std::vector{own}, elements(*process->GetConnectorList()));
+    EXPECT_EQ(nullptr, own->GetNext());
 }
 
 // State of composites

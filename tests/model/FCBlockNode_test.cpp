@@ -96,6 +96,25 @@ TEST(FCBlockNode, UnMarkReachesVariablesAndChildren) {
     EXPECT_FALSE(variable->IsMarked());
 }
 
+TEST(FCBlockNode, WalksDownDeepTrees) {
+    constexpr int kLevels = 100000;
+    auto const root = makeTree<CFCSubProcessNode>(61);
+    CFCVariableData* const target = addVariable(root.get(), L"x");
+    CFCBlockNode* block = root.get();
+    for (int level = 0; level < kLevels; ++level) {
+        block = addChild(block, L"");
+    }
+    CFCVariableData* const link = addVariable(block, L"y");
+    link->SetLinkPath(L".x");
+    link->SetMark(true);
+    block->SetMark(true);
+    root->UnMark();
+    EXPECT_FALSE(block->IsMarked());
+    EXPECT_FALSE(link->IsMarked());
+    root->ResolveVariables();
+    EXPECT_EQ(target, link->GetActualVariableData());
+}
+
 TEST(FCBlockNode, ResolveVariablesReachesAllBelow) {
     auto const process = makeTree();
     CFCVariableData* const target = addVariable(addChild(process.get(), L"A"), L"x");
@@ -275,6 +294,16 @@ TEST(FCBlockNode, FindChildBlockFollowsRenames) {
     EXPECT_EQ(nullptr, process->FindChildBlock(L"51"));
     EXPECT_EQ(blocks[51], process->FindChildBlock(L"copied"));
     EXPECT_EQ(blocks[52], process->FindChildBlock(blocks[52]->GetNodeId()));
+    // The data alone may be assigned, too.
+    source.SetBlockID(L"assigned");
+    source.SetOldBlockID(L"formerly");
+    EXPECT_EQ(nullptr, process->FindNodeSimple(L"Assigned"));
+    EXPECT_EQ(nullptr, process->FindNodeWithOldId(L"formerly"));
+    *blocks[53]->GetFCBlockData() = source;
+    EXPECT_EQ(nullptr, process->FindChildBlock(L"53"));
+    EXPECT_EQ(blocks[53], process->FindChildBlock(L"assigned"));
+    EXPECT_EQ(blocks[53], process->FindNodeSimple(L"Assigned"));
+    EXPECT_EQ(blocks[53], process->FindNodeWithOldId(L"formerly"));
 }
 
 TEST(FCBlockNode, FindLocalVariableIsExact) {

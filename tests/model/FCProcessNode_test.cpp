@@ -292,25 +292,50 @@ TEST(FCProcessNode, StartIsFoundAmongItsBlocks) {
     EXPECT_EQ(nullptr, c->GetNextConnectedBlock());
 }
 
-TEST(FCProcessNode, CopiesShareTheTwoExtraNodes) {
+TEST(FCProcessNode, CopiesTakeEveryFieldAndShareTheTwoExtraNodes) {
     auto const process = makeTree();
     process->setProjectDirectory(L"dir");
     process->setExecutionStatus(CFCProcessNode::ExecutionDone);
-    process->SetProjectType(EProjectType_MSP);
+    process->setSaveRestoreScript(L"script", EScriptType_JAVA);
+    process->setExecutionMode(CFCProcessNode::ExecutionUndo);
+    process->setProcessSaveStatus(CFCProcessNode::ProcessUnsaved);
+    process->setRandomExecutionStatus(true);
+    process->setRunOnLoadStatus(true);
+    process->setModelDependency(true);
+    process->SerializeVariablesToTNB(true);
     process->showDiagram(true);
+    process->setProcessFlowType(L"flow");
+    process->SetProjectType(EProjectType_MSP);
     process->SetNodeId(L"P");
+    // What belongs to the process that is assigned to stays in its tree.
+    auto const former = makeTree();
+    IFCNode* const formerHistory = former->GetChild();
     {
-        CFCProcessNode copy(*process);
-        EXPECT_EQ(process->GetFavouriteNode(), copy.GetFavouriteNode());
-        EXPECT_EQ(process->GetHistoryNode(), copy.GetHistoryNode());
-        EXPECT_EQ(process->GetChild(), copy.GetChild());
-        EXPECT_STREQ(L"dir", copy.getProjectDirectory());
-        EXPECT_EQ(3, copy.getExecutionStatus());
-        EXPECT_EQ(2, copy.GetProjectType());
-        EXPECT_TRUE(copy.hasDiagram());
-        EXPECT_STREQ(L"SaveRestore", copy.getSaveRestoreScript());
-        EXPECT_STREQ(L"P", copy.GetNodeId());
+        CFCProcessNode built(*process);
+        CFCProcessNode assigned(*former);
+        assigned = *process;
+        for (CFCProcessNode* copy : {&built, &assigned}) {
+            EXPECT_EQ(process->GetFavouriteNode(), copy->GetFavouriteNode());
+            EXPECT_EQ(process->GetHistoryNode(), copy->GetHistoryNode());
+            EXPECT_EQ(process->GetChild(), copy->GetChild());
+            EXPECT_STREQ(L"dir", copy->getProjectDirectory());
+            EXPECT_EQ(3, copy->getExecutionStatus());
+            EXPECT_STREQ(L"script", copy->getSaveRestoreScript());
+            EXPECT_EQ(4, copy->getSaveRestoreScriptType());
+            EXPECT_EQ(2, copy->getExecutionMode());
+            EXPECT_EQ(1, copy->getProcessSaveStatus());
+            EXPECT_TRUE(copy->getRandomExecutionStatus());
+            EXPECT_TRUE(copy->getRunOnLoadStatus());
+            EXPECT_TRUE(copy->getModelDependency());
+            EXPECT_TRUE(copy->IsVariablesSerializableToTNB());
+            EXPECT_TRUE(copy->hasDiagram());
+            EXPECT_STREQ(L"flow", copy->getProcessFlowType());
+            EXPECT_EQ(2, copy->GetProjectType());
+            EXPECT_STREQ(L"P", copy->GetNodeId());
+        }
     }
-    // The copy did not take them along.
+    // The copies took neither of them along.
     EXPECT_EQ(process->GetHistoryNode(), CFCNodeManager::GetNode(process->GetHistoryNode()->GetNodeHandle()));
+    EXPECT_EQ(process->GetFavouriteNode(), CFCNodeManager::GetNode(process->GetFavouriteNode()->GetNodeHandle()));
+    EXPECT_EQ(formerHistory, CFCNodeManager::GetNode(formerHistory->GetNodeHandle()));
 }
