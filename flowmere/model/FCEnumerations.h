@@ -191,7 +191,7 @@ enum eShapeType : int {
     eShapeType_Block = 57,
     eShapeType_Decision = 58,
     eShapeType_RoundBlock = 59,
-    eShapeType_ReferencedSubProcess = 60,
+    eShapeType_SubProcessAlternate = 60,
     eShapeType_SubProcess = 61,
     eShapeType_Connector = 68,
     eShapeType_ProcessList = 69,
@@ -209,7 +209,7 @@ enum eShapeType : int {
     eShapeType_DataTypeSubGroup = 82,
     eShapeType_FileType = 83,
     eShapeType_MimeType = 85,
-    eShapeType_MimeTypeEntry = 86,
+    eShapeType_MimeTypeRoot = 86,
     eShapeType_Task = 150,
     eShapeType_UserTask = 151,
     eShapeType_AutomationTask = 152,
@@ -227,8 +227,8 @@ enum eShapeType : int {
     eShapeType_SpawningLoop = 164,
     eShapeType_BasicSubProcess = 165,
     eShapeType_Application = 167,
-    eShapeType_ServerApplication = 168,
-    eShapeType_LibraryFile = 170,
+    eShapeType_ApplicationGroup = 168,
+    eShapeType_HelpModule = 170,
     eShapeType_APIHelp = 171,
     eShapeType_Package = 172,
     eShapeType_Favourites = 176,
@@ -236,5 +236,9 @@ enum eShapeType : int {
     eShapeType_History = 178,
     eShapeType_CustomFolder = 179,
     eShapeType_Deployment = 182,
-    eShapeType_Resource = 183
+    eShapeType_Resource = 183,
+    // Former names of three codes, for the sources that still use them.
+    eShapeType_ReferencedSubProcess = eShapeType_SubProcessAlternate,
+    eShapeType_MimeTypeEntry = eShapeType_MimeTypeRoot,
+    eShapeType_ServerApplication = eShapeType_ApplicationGroup
 };

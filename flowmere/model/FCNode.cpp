@@ -781,5 +781,5 @@ void CFCNode::SetNodeCollectionIndex(int index) {
 }
 
 bool CFCNode::IsBPMNode() {
-    return m_nNodeType >= eShapeType_Task && m_nNodeType <= eShapeType_ServerApplication;
+    return m_nNodeType >= eShapeType_Task && m_nNodeType <= eShapeType_ApplicationGroup;
 }

@@ -30,9 +30,9 @@ IFCNode* makeNodeOfCode(int code) {
     return new Class(code);
 }
 
-// Referenced sub-processes have always drawn the handles of two objects, and the numbering of all later nodes counts on
+// Sub-processes of code 60 have always drawn the handles of two objects, and the numbering of all later nodes counts on
 // it. The first object stays behind, known to the handle table alone.
-IFCNode* makeReferencedSubProcess(int) {
+IFCNode* makeAlternateSubProcess(int) {
     static_cast<void>(new CFCSubProcessNode);
     return new CFCSubProcessNode;
 }
@@ -72,7 +72,7 @@ constexpr NodeKind kNodeKinds[] = {
      .shape = L"RoundRect",
      .readShape = L"RoundRect",
      .image = 3},
-    {.code = 60, .make = makeReferencedSubProcess, .element = L"SUB_PROCESS", .shape = L"Rectangle", .image = 2},
+    {.code = 60, .make = makeAlternateSubProcess, .element = L"SUB_PROCESS", .shape = L"Rectangle", .image = 2},
     {.code = 61,
      .make = makeNode<CFCSubProcessNode>,
      .element = L"SUB_PROCESS",

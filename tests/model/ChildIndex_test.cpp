@@ -238,6 +238,57 @@ TEST(ChildIndex, MovedToAnotherContainerAChildIsFoundThere) {
     EXPECT_EQ(to.find(L"guest"), child);
 }
 
+TEST(ChildIndex, ChildWithAnotherParentStaysInTheChain) {
+    Container container(100);
+    CFCSubGroupNode other;
+    container.find(L"b0");
+    auto* const child = dynamic_cast<CFCBlockNode*>(container.find(L"b50"));
+    ASSERT_TRUE(container.indexed());
+    child->SetParentNode(&other);
+    child->SetBlockID(L"renamed");
+    EXPECT_EQ(container.find(L"b50"), nullptr);
+    EXPECT_EQ(container.find(L"renamed"), child);
+    EXPECT_FALSE(container.indexed()) << "changes of this child would be told to another parent";
+    EXPECT_EQ(other.FindNodeSimple(L"renamed"), nullptr);
+    child->SetParentNode(&container.node);
+    EXPECT_EQ(container.find(L"renamed"), child);
+    EXPECT_TRUE(container.indexed());
+}
+
+TEST(ChildIndex, ChildWithoutLinksEndsTheChain) {
+    Container container(100);
+    container.find(L"b0");
+    IFCNode* const child = container.find(L"b50");
+    IFCNode* const next = child->GetNext();
+    ASSERT_TRUE(container.indexed());
+    child->RemoveLinks();
+    EXPECT_EQ(container.find(L"b0"), nullptr);
+    EXPECT_EQ(container.find(L"b50"), child);
+    EXPECT_NE(container.find(L"b99"), nullptr);
+    child->SetNext(next);
+    EXPECT_NE(container.find(L"b0"), nullptr);
+}
+
+TEST(ChildIndex, ExchangedChainHidesTheFormerChildren) {
+    Container container(100);
+    Container other(100);
+    IFCNode* const former = container.node.GetChild();
+    IFCNode* const fresh = other.node.GetChild();
+    for (IFCNode* child = fresh; child != nullptr; child = child->GetNext()) {
+        child->SetParentNode(&container.node);
+        child->SetNodeId((TuString(L"new ") + child->GetNodeId()));
+    }
+    ASSERT_NE(container.find(L"b0"), nullptr);
+    ASSERT_TRUE(container.indexed());
+    container.node.SetChild(fresh);
+    EXPECT_EQ(container.find(L"b0"), nullptr);
+    EXPECT_NE(container.find(L"new b0"), nullptr);
+    EXPECT_TRUE(container.indexed());
+    container.node.SetChild(former);
+    EXPECT_EQ(container.find(L"new b0"), nullptr);
+    EXPECT_NE(container.find(L"b0"), nullptr);
+}
+
 TEST(ChildIndex, DestroyedChildrenLeaveNothingBehind) {
     CFCSubGroupNode container;
     std::vector<std::unique_ptr<CFCBlockNode>> blocks;

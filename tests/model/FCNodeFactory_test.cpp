@@ -105,7 +105,7 @@ TEST(CFCNodeFactory, DrawsTheHandlesOfTheNodeAndItsMembers) {
         int handles;
         int first; // the node's own, counted from 0: it is drawn before those of its members
     };
-    // A referenced sub-process is built twice, and the second one is given.
+    // A sub-process of code 60 is built twice, and the second one is given.
     Row const rows[] = {{57, 5, 0},   {55, 5, 0},   {61, 5, 0}, {60, 10, 5}, {56, 7, 0},
                         {150, 13, 0}, {160, 27, 0}, {68, 1, 0}, {72, 3, 0},  {71, 1, 0}};
     CFCNodeFactory factory;

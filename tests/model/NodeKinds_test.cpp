@@ -220,6 +220,10 @@ TEST(NodeKinds, CodesHaveNames) {
         int code;
     };
     Row const rows[] = {
+        {eShapeType_SubProcessAlternate, 60},
+        {eShapeType_MimeTypeRoot, 86},
+        {eShapeType_ApplicationGroup, 168},
+        {eShapeType_HelpModule, 170},
         {eShapeType_None, 0},
         {eShapeType_Terminator, 55},
         {eShapeType_Process, 56},
