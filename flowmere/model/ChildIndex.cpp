@@ -126,7 +126,7 @@ IFCNode* ChildIndex::find(CFCNode& container, wchar_t const* id, ChildLookup loo
     std::size_t const mask = table.slots.size() - 1;
     for (std::size_t at = hash & mask; table.slots[at].child != nullptr; at = (at + 1) & mask) {
         Slot const& slot = table.slots[at];
-        if (slot.hash == hash && equal(idOf(*slot.child, lookup), wanted, lookup)) {
+        if (slot.holds(hash, wanted, lookup)) {
             return slot.child;
         }
     }
@@ -193,10 +193,10 @@ void ChildIndex::insert(Table& table, CFCNode& child, ChildLookup lookup) {
         return;
     }
     if (table.slots.empty()) {
-        table.slots.resize(kFirstSlots, Slot{0, nullptr});
+        table.slots.resize(kFirstSlots, Slot());
     } else if (4 * (table.used + 1) > 3 * table.slots.size()) {
         std::vector<Slot> const old = std::move(table.slots);
-        table.slots.assign(2 * old.size(), Slot{0, nullptr});
+        table.slots.assign(2 * old.size(), Slot());
         for (Slot const& slot : old) {
             if (slot.child != nullptr) {
                 place(table, slot);
@@ -208,13 +208,18 @@ void ChildIndex::insert(Table& table, CFCNode& child, ChildLookup lookup) {
     std::size_t at = hash & mask;
     for (; table.slots[at].child != nullptr; at = (at + 1) & mask) {
         Slot& slot = table.slots[at];
-        if (slot.hash == hash && equal(idOf(*slot.child, lookup), id, lookup)) {
+        if (slot.holds(hash, id, lookup)) {
+            slot.id = id.data();
             slot.child = &child;
             return;
         }
     }
-    table.slots[at] = {hash, &child};
+    table.slots[at] = {hash, static_cast<std::uint32_t>(id.size()), id.data(), &child};
     ++table.used;
+}
+
+bool ChildIndex::Slot::holds(std::uint32_t wantedHash, std::wstring_view wanted, ChildLookup lookup) const noexcept {
+    return hash == wantedHash && length == wanted.size() && equal({id, length}, wanted, lookup);
 }
 
 void ChildIndex::place(Table& table, Slot slot) {

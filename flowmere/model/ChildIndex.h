@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 class CFCBlockData;
@@ -55,9 +56,14 @@ public:
     static IFCNode* find(CFCNode& container, wchar_t const* id, ChildLookup lookup);
 
 private:
+    // The text of the identifier stands until the index hears of a change: lookups need not touch the children.
     struct Slot {
-        std::uint32_t hash;
-        CFCNode* child; // null when the slot is free
+        std::uint32_t hash = 0;
+        std::uint32_t length = 0;
+        wchar_t const* id = nullptr;
+        CFCNode* child = nullptr; // null when the slot is free
+
+        bool holds(std::uint32_t wantedHash, std::wstring_view wanted, ChildLookup lookup) const noexcept;
     };
     struct Table {
         std::vector<Slot> slots; // a power of two, or none
