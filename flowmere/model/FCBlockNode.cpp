@@ -112,13 +112,20 @@ bool CFCBlockNode::IsMacroNode() {
 
 void CFCBlockNode::Create() {}
 
+// These two go down by virtual calls. The walk of the base is written out, so that a level of a deep tree takes one
+// frame and not two.
 void CFCBlockNode::ResolveVariables() {
     CFCBlockData::ResolveVariables();
-    CFCNode::ResolveVariables();
+    for (IFCNode* child = GetChild(); child != nullptr; child = child->GetNext()) {
+        child->ResolveVariables();
+    }
 }
 
 void CFCBlockNode::UnMark() {
-    CFCNode::UnMark();
+    SetMark(false);
+    for (IFCNode* child = GetChild(); child != nullptr; child = child->GetNext()) {
+        child->UnMark();
+    }
     UnMarkVariables();
 }
 
