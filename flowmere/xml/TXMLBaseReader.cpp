@@ -15,8 +15,8 @@ XMLCh const* valueOf(xercesc::DOMElement* element, wchar_t const* name) {
     if (!element || !name) {
         return nullptr;
     }
-    xercesc::DOMAttr const* const attribute = element->getAttributeNode(flowmere::DomText(name).text());
-    return attribute ? attribute->getValue() : nullptr;
+    flowmere::DomText const key(name);
+    return flowmere::attributeOf(element, flowmere::XmlName(flowmere::xmlView(key.text())));
 }
 
 } // namespace

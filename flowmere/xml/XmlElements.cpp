@@ -14,6 +14,33 @@ namespace {
 
 constexpr std::size_t kNumberLength = 40;
 
+// The value of an attribute that is there. Asking the attribute itself costs a dynamic cast each time, so the text is
+// taken straight from its only child, as nearly all have one.
+XMLCh const* valueOf(xercesc::DOMAttr const* attribute) {
+    static constexpr XmlName kEmpty = u"";
+    xercesc::DOMNode const* const text = attribute->getFirstChild();
+    if (!text) {
+        return kEmpty.dom();
+    }
+    if (text->getNodeType() == xercesc::DOMNode::TEXT_NODE && !text->getNextSibling()) {
+        return text->getNodeValue();
+    }
+    return attribute->getValue();
+}
+
+// Below 0, 0 or above 0 as `name`, which ends at a NUL, stands before, at or behind `entry`. Names differ early, so
+// this beats measuring them first.
+int compareNames(XMLCh const* name, std::u16string_view entry) noexcept {
+    std::size_t i = 0;
+    for (; i < entry.size(); ++i) {
+        int const difference = static_cast<int>(name[i]) - static_cast<int>(entry[i]);
+        if (difference != 0) {
+            return difference;
+        }
+    }
+    return static_cast<int>(name[i]);
+}
+
 xercesc::DOMElement* asElement(xercesc::DOMNode* node) noexcept {
     return node && node->getNodeType() == xercesc::DOMNode::ELEMENT_NODE ? static_cast<xercesc::DOMElement*>(node)
                                                                          : nullptr;
@@ -102,7 +129,7 @@ xercesc::DOMElement* nextElement(xercesc::DOMElement const* element) noexcept {
 
 XMLCh const* attributeOf(xercesc::DOMElement const* element, XmlName name) {
     xercesc::DOMAttr const* const attribute = element ? element->getAttributeNode(name.dom()) : nullptr;
-    return attribute ? attribute->getValue() : nullptr;
+    return attribute ? valueOf(attribute) : nullptr;
 }
 
 void sweepAttributes(xercesc::DOMElement const* element, std::span<std::u16string_view const> names,
@@ -114,17 +141,23 @@ void sweepAttributes(xercesc::DOMElement const* element, std::span<std::u16strin
     std::size_t at = 0;
     for (XMLSize_t i = 0; i < count; ++i) {
         auto const* const attribute = static_cast<xercesc::DOMAttr const*>(attributes->item(i));
-        std::u16string_view const name = xmlView(attribute->getName());
-        while (at < names.size() && names[at] < name) {
+        XMLCh const* const name = attribute->getName();
+        int order = -1;
+        while (at < names.size() && (order = compareNames(name, names[at])) > 0) {
             ++at;
         }
         std::size_t found = at;
-        if (at > 0 && (at == names.size() || names[at] != name)) {
-            found = static_cast<std::size_t>(std::lower_bound(names.begin(), names.end(), name) - names.begin());
+        if (order != 0 || at == names.size()) {
+            if (at == 0 || compareNames(name, names[at - 1]) > 0) {
+                continue;
+            }
+            found =
+                static_cast<std::size_t>(std::lower_bound(names.begin(), names.end(), xmlView(name)) - names.begin());
+            if (found == names.size() || names[found] != xmlView(name)) {
+                continue;
+            }
         }
-        if (found < names.size() && names[found] == name) {
-            values[slots[found]] = attribute->getValue();
-        }
+        values[slots[found]] = valueOf(attribute);
     }
 }
 

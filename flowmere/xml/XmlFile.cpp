@@ -132,7 +132,7 @@ void formatXmlFile(wchar_t const* path) {
     try {
         XmlDocumentHolder source;
         if (source.platform.isUp()) {
-            source.document = parseXmlFile(path);
+            source.document = parseXmlFile(path, Indentation::Keep);
         }
         if (!source.document) {
             return;

@@ -9,12 +9,14 @@
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLChar.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/validators/DTD/DTDAttDef.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 
+#include <array>
 #include <string>
 
 namespace flowmere {
@@ -57,7 +59,8 @@ public:
 
 class HardenedParser final : public xercesc::XercesDOMParser {
 public:
-    explicit HardenedParser(XMLSize_t fileSize) : m_volume(kFreeVolume + kVolumePerByte * fileSize) {}
+    HardenedParser(XMLSize_t fileSize, Indentation indentation)
+        : m_volume(kFreeVolume + kVolumePerByte * fileSize), m_dropsIndentation(indentation == Indentation::Drop) {}
 
     void startElement(xercesc::XMLElementDecl const& element, unsigned int const uri, XMLCh const* const prefix,
                       xercesc::RefVectorOf<xercesc::XMLAttr> const& attributes, XMLSize_t const attributeCount,
@@ -65,6 +68,9 @@ public:
         if (++m_depth > kMaxElementDepth || attributeCount > kMaxAttributes) {
             throw LimitExceeded();
         }
+        m_indentation.clear();
+        m_hasText[static_cast<std::size_t>(m_depth)] = false;
+        m_isLeaf = true;
         if (m_hasDoctype) {
             // Default values are looked for one by one, so the work for an element grows with the square.
             spend(attributeCount * (kVolumePerAttribute + attributeCount / 2));
@@ -78,6 +84,11 @@ public:
     // Also called for an empty element, by the base's startElement.
     void endElement(xercesc::XMLElementDecl const& element, unsigned int const uri, bool const isRoot,
                     XMLCh const* const prefix) override {
+        if (m_isLeaf) {
+            flushWhiteSpace();
+        }
+        m_indentation.clear();
+        m_isLeaf = false;
         --m_depth;
         XercesDOMParser::endElement(element, uri, isRoot, prefix);
     }
@@ -86,7 +97,30 @@ public:
         if (m_hasDoctype) {
             spend(length);
         }
+        if (!m_dropsIndentation) {
+            XercesDOMParser::docCharacters(characters, length, isCData);
+            return;
+        }
+        bool& hasText = m_hasText[static_cast<std::size_t>(m_depth)];
+        if (!hasText) {
+            if (!isCData && xercesc::XMLChar1_0::isAllSpaces(characters, length)) {
+                m_indentation.append(characters, length);
+                return;
+            }
+            hasText = true;
+            flushWhiteSpace();
+        }
         XercesDOMParser::docCharacters(characters, length, isCData);
+    }
+
+    void docComment(XMLCh const* const text) override {
+        flushWhiteSpace();
+        XercesDOMParser::docComment(text);
+    }
+
+    void docPI(XMLCh const* const target, XMLCh const* const data) override {
+        flushWhiteSpace();
+        XercesDOMParser::docPI(target, data);
     }
 
     // Without a document type a file holds no more than its own bytes, and the volume needs no counting.
@@ -137,10 +171,23 @@ private:
         m_volume -= amount;
     }
 
+    // White space that is waiting turned out to be content.
+    void flushWhiteSpace() {
+        if (!m_indentation.empty()) {
+            XercesDOMParser::docCharacters(m_indentation.data(), m_indentation.size(), false);
+            m_indentation.clear();
+        }
+    }
+
     int m_depth = 0;
     XMLSize_t m_volume; // characters that may still come
     bool m_hasDoctype = false;
     bool m_hasNestedEntities = false;
+
+    bool const m_dropsIndentation;
+    std::basic_string<XMLCh> m_indentation;             // white space since the last tag
+    std::array<bool, kMaxElementDepth + 1> m_hasText{}; // the open element at each depth has text of its own
+    bool m_isLeaf = false;                              // the last tag was a start
 };
 
 // The use that is never given back.
@@ -189,9 +236,9 @@ void applyParserSettings(xercesc::XercesDOMParser& parser) {
     parser.setExitOnFirstFatalError(true);
 }
 
-XmlDocumentPointer parseXmlBytes(std::string_view bytes) noexcept {
+XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation) noexcept {
     try {
-        HardenedParser parser(bytes.size());
+        HardenedParser parser(bytes.size(), indentation);
         applyParserSettings(parser);
         xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(bytes.empty() ? "" : bytes.data()),
                                           bytes.size(), "file");
@@ -208,10 +255,10 @@ XmlDocumentPointer parseXmlBytes(std::string_view bytes) noexcept {
     }
 }
 
-XmlDocumentPointer parseXmlFile(wchar_t const* path) noexcept {
+XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation) noexcept {
     try {
         std::string bytes;
-        return readFile(path, bytes) ? parseXmlBytes(bytes) : nullptr;
+        return readFile(path, bytes) ? parseXmlBytes(bytes, indentation) : nullptr;
     } catch (...) {
         return nullptr;
     }

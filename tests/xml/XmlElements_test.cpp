@@ -84,6 +84,18 @@ TEST(XmlElements, ASweepAgreesWithLookupsForEverySubset) {
     }
 }
 
+TEST(XmlElements, ValuesOfSeveralTextsAreWhole) {
+    WrittenReader reader([](auto* root) { EXPECT_TRUE(flowmere::setConstant(root, u"Zulu", u"one")); });
+    xercesc::DOMDocument* const document = reader.document();
+    reader.root()->getAttributeNode(u"Zulu")->appendChild(document->createTextNode(u" two"));
+    reader.root()->setAttribute(u"Alpha", u"");
+    flowmere::AttributeRow const row(reader.root(), kTable);
+    EXPECT_EQ(u"one two", row.view(kZulu));
+    EXPECT_TRUE(row.has(kAlpha));
+    EXPECT_EQ(u"", row.view(kAlpha));
+    EXPECT_TRUE(flowmere::equals(flowmere::attributeOf(reader.root(), u"Zulu"), u"one two"));
+}
+
 TEST(XmlElements, ASweepOfNullIsEmpty) {
     flowmere::AttributeRow const row(nullptr, kTable);
     for (std::size_t i = 0; i < kCount; ++i) {

@@ -6,6 +6,7 @@
 
 using flowmere::formatXmlFile;
 using flowmere::writeXmlFile;
+using flowmere::XmlDocumentPointer;
 using flowmere::test::repeat;
 using flowmere::test::ScratchTest;
 using flowmere::test::TextReader;
@@ -155,6 +156,17 @@ TEST_F(XmlFile, FormattingKeepsTheEncodingOfTheFile) {
     std::string const formatted = scratch.read("in.for");
     EXPECT_NE(std::string::npos, formatted.find("encoding=\"ISO-8859-1\""));
     EXPECT_NE(std::string::npos, formatted.find("<r>\xE9</r>"));
+}
+
+TEST_F(XmlFile, FormattingKeepsTheTextsOfMixedContent) {
+    scratch.write("in.xml", "<r><p>one <b>two</b> <i>three</i></p></r>");
+    formatXmlFile(scratch.text("in.xml"));
+    XmlDocumentPointer const formatted = flowmere::parseXmlFile(scratch.text("in.for"), flowmere::Indentation::Keep);
+    ASSERT_TRUE(formatted);
+    TuString text;
+    EXPECT_TRUE(flowmere::ownText(flowmere::firstElement(formatted->getDocumentElement()), text));
+    EXPECT_EQ(0, text.Find(L"one "));
+    EXPECT_NE(std::string::npos, scratch.read("in.for").find("</b> "));
 }
 
 TEST_F(XmlFile, SerialisingNothingIsFalse) {

@@ -238,6 +238,51 @@ TEST_F(HardenedParser, TakesLargeFilesOfManyReferences) {
     EXPECT_EQ(200000U * 7, flowmere::xmlView(flowmere::attributeOf(document->getDocumentElement(), u"a")).size());
 }
 
+// --- White space ---
+
+TEST_F(HardenedParser, DropsTheIndentationOfElements) {
+    XmlDocumentPointer const document = parseXmlBytes("<r>\n  <a>\n    <b/>\n  </a>\n  <c></c>\n</r>\n");
+    ASSERT_TRUE(document);
+    xercesc::DOMElement* const a = flowmere::firstElement(document->getDocumentElement());
+    EXPECT_EQ(a, document->getDocumentElement()->getFirstChild());
+    EXPECT_EQ(flowmere::firstElement(a), a->getLastChild());
+    EXPECT_EQ(flowmere::nextElement(a), document->getDocumentElement()->getLastChild());
+}
+
+TEST_F(HardenedParser, KeepsWhiteSpaceThatIsContent) {
+    struct Row {
+        char const* xml;
+        char const* text;
+    };
+    for (Row const& row :
+         {Row{"<r> \n\t</r>", " \n\t"}, Row{"<r>  x  </r>", "  x  "}, Row{"<r>  x  <o/></r>", "  x  "},
+          Row{"<r>x <o/> <o/> y</r>", "x   y"}, Row{"<r>&amp; <o/></r>", "& "}, Row{"<r> <![CDATA[ ]]> </r>", "   "},
+          Row{"<r><![CDATA[]]> <o/></r>", " "}, Row{"<r> <!--c--> </r>", "  "}, Row{"<r> <?p i?></r>", " "},
+          Row{"<r>&#32;</r>", " "}, Row{"<r> &#10; </r>", " \n "}, Row{"<r>x<o> </o> </r>", "x "},
+          Row{"<!DOCTYPE r [<!ENTITY s '  '>]><r>&s;</r>", "  "}}) {
+        EXPECT_EQ(row.text, textOf(row.xml)) << row.xml;
+    }
+}
+
+TEST_F(HardenedParser, KeepsAllWhiteSpaceWhenAsked) {
+    XmlDocumentPointer const document = parseXmlBytes("<r>\n  <a/>\n</r>", flowmere::Indentation::Keep);
+    ASSERT_TRUE(document);
+    TuString text;
+    EXPECT_TRUE(flowmere::ownText(document->getDocumentElement(), text));
+    EXPECT_STREQ(L"\n  \n", text);
+}
+
+TEST_F(HardenedParser, WhiteSpaceBetweenElementsIsNoText) {
+    XmlDocumentPointer const document = parseXmlBytes("<r>\n  <a> </a>\n  <b>x</b>\n</r>");
+    ASSERT_TRUE(document);
+    xercesc::DOMElement* const root = document->getDocumentElement();
+    TuString text(L"default");
+    EXPECT_FALSE(flowmere::ownText(root, text));
+    EXPECT_STREQ(L"default", text);
+    EXPECT_TRUE(flowmere::ownText(flowmere::firstElement(root), text));
+    EXPECT_STREQ(L" ", text);
+}
+
 // --- The same settings on a plain parser ---
 
 TEST_F(HardenedParser, ItsSettingsFitAPlainParser) {
