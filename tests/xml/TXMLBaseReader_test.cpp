@@ -14,9 +14,10 @@ struct ReaderFile : testing::Test {
     ScratchFolder folder;
 };
 
-struct TextForm {
-    char const* attribute;
-    bool found;
+// Can an attribute be read into this type?
+template <typename Reader, typename Value>
+concept GivesAttribute = requires(Reader reader, xercesc::DOMElement* element, Value value) {
+    reader.GetAttribute(element, L"a", value);
 };
 
 } // namespace
@@ -174,6 +175,16 @@ TEST(CTXMLBaseReader, GetElementBelowNullLooksAtTheRoot) {
 }
 
 // --- Attributes ---
+
+TEST(CTXMLBaseReader, RealsAreForSubclassesAndOtherTypesForNobody) {
+    EXPECT_TRUE((GivesAttribute<CTXMLBaseReader, TuString>));
+    EXPECT_TRUE((GivesAttribute<CTXMLBaseReader, int>));
+    EXPECT_FALSE((GivesAttribute<CTXMLBaseReader, double>));
+    EXPECT_TRUE((GivesAttribute<OpenReader, double>));
+    EXPECT_FALSE((GivesAttribute<OpenReader, long>));
+    EXPECT_FALSE((GivesAttribute<OpenReader, float>));
+    EXPECT_FALSE((GivesAttribute<OpenReader, bool>));
+}
 
 TEST(CTXMLBaseReader, AbsentAttributesLeaveOutUntouched) {
     TextReader reader("<r Name='n'/>");
