@@ -136,6 +136,15 @@ TEST_F(FindDataTypeNode, VeryDeepCatalogsNeedNoStack) {
     EXPECT_EQ(byType(L"Nothing"), nullptr);
 }
 
+TEST_F(FindDataTypeNode, AGroupThatLeadsALowerChainAnswersToItsCaptionOnly) {
+    group->AppendChild(entry(81, L"Lead Caption", L"LeadType"), false);
+    IFCNode* const lead = group->GetChild();
+    EXPECT_EQ(byType(L"LeadType"), nullptr);
+    EXPECT_EQ(byType(L"Lead Caption"), lead);
+    group->AppendChild(entry(80, L"Before", L"BeforeType"), false);
+    EXPECT_EQ(byType(L"LeadType"), lead) << "it is no longer the first";
+}
+
 TEST_F(FindDataTypeNode, AClassOfTheHostIsAnEntryLikeAnyOther) {
     class HostType : public CFCDataTypeNode {};
     auto* const node = new HostType;

@@ -338,8 +338,23 @@ TEST(Consolidate2, WhatLiesBelowANewFileNodeIsDropped) {
     adopt(parentFile, {file(L"Inner")});
     Tree target(list({}));
     Tree source(list({parentFile, file(L"Next")}));
+    Tree marker(71);
     CFCNodeHelper::Consolidate2(target, source->GetChild());
     EXPECT_EQ(shape(target), "Next F");
+    Tree end(71);
+    int alive = 0;
+    for (int handle = marker->GetNodeHandle() + 1; handle < end->GetNodeHandle(); ++handle) {
+        alive += CFCNodeManager::GetNode(handle) != nullptr ? 1 : 0;
+    }
+    EXPECT_EQ(alive, 2) << "no clone of it stays";
+}
+
+TEST(Consolidate2, WhatAFileNodeHandedToItsParentIsNoChildOfItsOwn) {
+    Tree target(list({file(L"F")}));
+    Tree source(list({file(L"A", L"1"), file(L"A", L"2")}));
+    CFCNodeHelper::Consolidate2(target->GetChild(), source->GetChild());
+    EXPECT_EQ(shape(target), "A A F") << "the second A does not meet the first";
+    EXPECT_STREQ(target->GetChild()->GetNodeId(), L"2");
 }
 
 TEST(Consolidate2, AnEmptyMatchTakesNothing) {

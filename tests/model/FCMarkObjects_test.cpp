@@ -146,6 +146,35 @@ TEST_F(FCMarkObjects, SharedFinalTargetCounts) {
     EXPECT_FALSE(inB->IsMarked());
 }
 
+TEST_F(FCMarkObjects, DirectLinksCountWhereTheChainHasNoEnd) {
+    // A chain that closes on itself has direct links only.
+    CFCVariableData* const other = addVariable(a, L"other");
+    out->SetLinkPath(L"A.other");
+    other->SetLinkPath(L"A.out");
+    inB->SetLinkPath(L"A.out");
+    inB->Resolve();
+    EXPECT_FALSE(marker.Mark(root, inB));
+    EXPECT_TRUE(out->IsMarked()) << "its target";
+    EXPECT_TRUE(other->IsMarked()) << "shares its target";
+    EXPECT_FALSE(inB->IsMarked());
+    EXPECT_FALSE(inT->IsMarked());
+}
+
+TEST_F(FCMarkObjects, UserOfAVariableWithADeadLinkIsFoundByItsDirectLink) {
+    inB->SetLinkPath(L"No.where");
+    inT->SetLinkPath(L"B.in");
+    EXPECT_FALSE(marker.Mark(root, inB));
+    EXPECT_EQ(marked(), (Nodes{inT, t, s, root}));
+}
+
+TEST_F(FCMarkObjects, TwoVariablesWithDeadLinksShareNoTarget) {
+    inB->SetLinkPath(L"No.where");
+    inT->SetLinkPath(L"No.where");
+    inB->Resolve();
+    EXPECT_FALSE(marker.Mark(root, inB));
+    EXPECT_EQ(marked(), Nodes{});
+}
+
 TEST_F(FCMarkObjects, TwoUnlinkedVariablesShareNoTarget) {
     EXPECT_FALSE(marker.Mark(root, inB));
     EXPECT_EQ(marked(), Nodes{});
@@ -168,6 +197,16 @@ TEST_F(FCMarkObjects, VariableOfAnotherOwnerIsResolvedFromItsOwnRoot) {
     EXPECT_FALSE(marker.Mark(root, out));
     EXPECT_EQ(marked(), Nodes{});
     inB->SetParentNode(b);
+}
+
+TEST_F(FCMarkObjects, NodeThatBelongsElsewhereIsResolvedFromItsOwnRoot) {
+    CFCBlockNode other;
+    inB->SetLinkPath(L"A.out");
+    b->SetParentNode(&other); // stands in the row of the root's children all the same
+    inT->SetLinkPath(L"A.out");
+    EXPECT_FALSE(marker.Mark(root, out));
+    EXPECT_EQ(marked(), (Nodes{inT, t, s, root}));
+    b->SetParentNode(root);
 }
 
 TEST_F(FCMarkObjects, NullsAreHarmless) {

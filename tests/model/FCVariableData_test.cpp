@@ -981,6 +981,46 @@ TEST(FCVariableData, NumericFormWithTheFlagClearFreesNothing) {
     TuFree(kept);
 }
 
+TEST(FCVariableData, OnlyAFlagOfExactlyOneCountsForTheArrayStore) {
+    Variable two("a", 0, 0, 2);
+    Variable v;
+    int const ints[] = {1, 2};
+    v.setValue(2, ints);
+    int* kept = nullptr;
+    v.getIntArrayValue(kept);
+    CFCVariableData::Copy(&two, &v);
+    ASSERT_EQ(v.getArrayFlag(), 2);
+    EXPECT_TRUE(v.IsArray());
+    EXPECT_EQ(v.getArrayCount(), 0);
+    float* raw = nullptr;
+    EXPECT_EQ(v.getFloatArrayValue(raw), 2) << "the readers only ask whether the flag is clear";
+    v.setValue(2, ints);
+    EXPECT_EQ(v.getArrayFlag(), 1);
+    EXPECT_EQ(kept[1], 2) << "and nothing was freed";
+    TuFree(kept);
+}
+
+TEST(FCVariableData, StorageUnderAnotherTypeIsNotFreed) {
+    int const ints[] = {1, 2};
+    char const* const texts[] = {"a"};
+    for (int type : {4, 7, 10, 13, 19, -1}) {
+        for (bool text : {false, true}) {
+            Variable v;
+            v.setValue(2, ints);
+            int* kept = nullptr;
+            v.getIntArrayValue(kept);
+            v.SetDataType(type);
+            if (text) {
+                v.setValue(1, texts);
+            } else {
+                v.setValue(2, ints);
+            }
+            EXPECT_EQ(kept[1], 2) << type;
+            TuFree(kept);
+        }
+    }
+}
+
 TEST(FCVariableData, SetParentWritesAPointerOverTheStore) {
     Variable v;
     int value = 3;

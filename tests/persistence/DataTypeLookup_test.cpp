@@ -26,7 +26,7 @@ constexpr char kDataTypes[] = R"(<?xml version="1.0" encoding="UTF-8"?>
     </DATATYPE>
     <DATATYPE Name="Real Array" Type="RealArray" Scope=""/>
     <DATATYPE Name="Sub Array" Type="Odd" Scope=""/>
-    <DATATYPE Name="Files" Type="CAEFILE" Scope=""/>
+    <DATATYPE Name="Files" Type="CAEFILE" Scope="Shared"/>
     <DATATYPE Name="Hides what is below" Type="First" Scope=""/>
   </GROUP>
   <DATATYPE Name="Lead" Type="LeadType" Scope=""/>
@@ -253,6 +253,7 @@ TEST_F(DataTypeLookupDeathTest, AFileTypeBindsBothNodes) {
         EXPECT_EQ(variable.GetDataTypeNode()->GetNodeType(), 83);
         EXPECT_STREQ(variable.GetDataTypeNode()->GetType(), L"picture");
         EXPECT_STREQ(variable.GetDataTypeNode()->GetNodeCaption(), L"picture");
+        EXPECT_STREQ(variable.GetDataTypeNode()->GetScope(), L"Shared") << "from the entry above the file type";
         EXPECT_EQ(variable.GetFileTypeNode()->GetFileTypeID(), 7);
         EXPECT_STREQ(variable.GetFileTypeNode()->GetFileTypeName(), L"Picture");
         EXPECT_STREQ(variable.GetFileTypeNode()->GetMimeType(), L"image/png");
