@@ -2,6 +2,7 @@
 
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/model/FCEnumTranslator.h"
 #include "flowmere/model/FCNodeFactory.h"
 #include "flowmere/persistence/FCFileTypeListReader.h"
 #include "flowmere/xml/XmlElements.h"
@@ -88,6 +89,7 @@ void CFCDataTypeListReader::RefreshDataTypes() {
 }
 
 bool CFCDataTypeListReader::Parse(wchar_t const* path, CFCDataTypeNode* list) {
+    CFCEnumTranslator::SetArrays();
     TuString const file(path);
     if (file.IsEmpty() || !list || !CFCEnvironment::IsFileExist(file) || !Initialize(file)) {
         return false;

@@ -2,6 +2,7 @@
 
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/model/FCEnumTranslator.h"
 #include "flowmere/xml/XmlElements.h"
 
 #include <xercesc/dom/DOM.hpp>
@@ -20,6 +21,7 @@ CFCFileTypeListReader& CFCFileTypeListReader::operator=(CFCFileTypeListReader co
 CFCFileTypeListReader::~CFCFileTypeListReader() = default;
 
 bool CFCFileTypeListReader::Parse(wchar_t const* path, CFCDataTypeNode* list) {
+    CFCEnumTranslator::SetArrays();
     TuString const file(path ? path : CFCEnvironment::GetFileTypesPath());
     if (file.IsEmpty() || !list || !CFCEnvironment::IsFileExist(file) || !Initialize(file)) {
         return false;

@@ -1,6 +1,7 @@
 #include "flowmere/persistence/FCMimeTypeReader.h"
 
 #include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/model/FCEnumTranslator.h"
 #include "flowmere/model/FCNodeFactory.h"
 #include "flowmere/xml/XmlElements.h"
 
@@ -25,7 +26,7 @@ CFCMimeTypeNode* CFCMimeTypeReader::GetMimeTypeRoot() {
         return mimeTypeRoot;
     }
     CFCNodeFactory factory;
-    mimeTypeRoot = dynamic_cast<CFCMimeTypeNode*>(factory.Create(eShapeType_MimeTypeEntry));
+    mimeTypeRoot = dynamic_cast<CFCMimeTypeNode*>(factory.Create(eShapeType_MimeTypeRoot));
     if (!mimeTypeRoot) {
         return nullptr;
     }
@@ -39,6 +40,7 @@ CFCMimeTypeNode* CFCMimeTypeReader::GetMimeTypeRoot() {
 }
 
 bool CFCMimeTypeReader::Parse(wchar_t const* path, CFCMimeTypeNode* list) {
+    CFCEnumTranslator::SetArrays();
     TuString const file(path ? path : CFCEnvironment::GetMimeTypesPath());
     if (file.IsEmpty() || !list || !CFCEnvironment::IsFileExist(file) || !Initialize(file)) {
         return false;
