@@ -12,6 +12,7 @@ namespace flowmere {
 namespace {
 
 constexpr std::size_t kFirstSlots = 128;
+constexpr std::size_t kFirstLandmark = 64;
 
 std::uint8_t markOf(ChildLookup lookup) {
     return static_cast<std::uint8_t>(1U << static_cast<unsigned>(lookup));
@@ -166,7 +167,17 @@ bool ChildIndex::addPrefix(CFCNode& container, Table& table, ChildLookup lookup)
     std::uint8_t const mark = markOf(lookup);
     std::vector<CFCNode*> prefix;
     IFCNode* next = head;
+    // A child that was appended twice closes the chain to a ring; a landmark further and further on meets it again.
+    IFCNode* landmark = nullptr;
+    std::size_t nextLandmark = kFirstLandmark;
     for (; next != nullptr && next != table.head; next = next->GetNext()) {
+        if (next == landmark) {
+            return false;
+        }
+        if (prefix.size() == nextLandmark) {
+            landmark = next;
+            nextLandmark *= 2;
+        }
         CFCNode* const child = dynamic_cast<CFCNode*>(next);
         if (child == nullptr || (child->m_uIndexed & mark) != 0 || child->m_pParent != &container ||
             child->GetParentNode() != &container || child->GetNext() != child->m_pNext ||

@@ -46,10 +46,20 @@ IFCNode* rootAbove(IFCNode* node, IFCNode* parent) {
     return parent->GetRootNode();
 }
 
-void loseParent(IFCNode* first, IFCNode* parent) {
-    for (IFCNode* child = first; child != nullptr; child = child->GetNext()) {
+// Takes the parent away from the siblings behind a first child. A child that was appended twice closes their chain to a
+// ring, which is gone round once.
+void loseParent(IFCNode* firstChild, IFCNode* parent) {
+    IFCNode* landmark = nullptr;
+    std::size_t steps = 0;
+    std::size_t nextLandmark = 64;
+    for (IFCNode* child = firstChild->GetNext(); child != nullptr && child != firstChild && child != landmark;
+         child = child->GetNext()) {
         if (child->GetParentNode() == parent) {
             child->SetParentNode(nullptr);
+        }
+        if (++steps == nextLandmark) {
+            landmark = child;
+            nextLandmark *= 2;
         }
     }
 }
@@ -614,7 +624,7 @@ void CFCNode::RemoveLinks() {
 void CFCNode::Delete() {
     if (m_pChild != nullptr) {
         // The children that stay must not point at a node that is gone.
-        loseParent(m_pChild->GetNext(), this);
+        loseParent(m_pChild, this);
         m_pChild->Delete();
     }
     if (m_pParent != nullptr && m_pParent->GetChild() == this) {

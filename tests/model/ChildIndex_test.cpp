@@ -385,6 +385,34 @@ TEST(ChildIndex, AssignedContainerShowsItsNewChildren) {
     }
 }
 
+TEST(ChildIndex, ChainThatClosesOnItselfIsWalked) {
+    // A child that was appended twice: all children, or all but the ones nearest the head, stand in a ring.
+    for (int const again : {0, 1, 30, 150}) {
+        for (int const later : {0, 1, 40, 100}) {
+            CFCSubGroupNode parent;
+            std::vector<std::unique_ptr<CFCBlockNode>> blocks;
+            auto const add = [&](std::wstring const& id) {
+                blocks.push_back(std::make_unique<CFCBlockNode>());
+                blocks.back()->SetNodeId(id.c_str());
+                parent.AppendChild(blocks.back().get(), false);
+            };
+            for (int i = 0; i < 200; ++i) {
+                add(L"b" + std::to_wstring(i));
+            }
+            parent.AppendChild(blocks[static_cast<std::size_t>(again)].get(), false);
+            for (int i = 0; i < later; ++i) {
+                add(L"later" + std::to_wstring(i));
+            }
+            for (ChildLookup const lookup : {ChildLookup::Id, ChildLookup::ExactId}) {
+                for (std::wstring const id : {L"b199", L"b160"}) {
+                    EXPECT_EQ(findChild(parent, id.c_str(), lookup), walk(parent, id, lookup));
+                }
+                EXPECT_FALSE(ChildIndex::exists(parent, lookup));
+            }
+        }
+    }
+}
+
 TEST(ChildIndex, ChildrenWithIdsOfTheirOwnAreWalked) {
     CFCSubGroupNode container;
     std::vector<std::unique_ptr<NamedNode>> nodes;

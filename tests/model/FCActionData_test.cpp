@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "TestSupport.h"
+#include "model/VirtualSlots.h"
 
 namespace {
 
@@ -89,6 +90,33 @@ TYPED_TEST(ActionRecord, IsAnActionAndANode) {
     std::unique_ptr<IFCNode> node = std::make_unique<TypeParam>();
     EXPECT_NE(dynamic_cast<CFCActionData*>(node.get()), nullptr);
 }
+
+#if FLOWMERE_TEST_SLOTS
+TEST(FCActionData, OperationsStandInTheDeclaredOrderBehindThoseOfANode) {
+    using flowmere::test::kFirstSlotBehindNode;
+    using flowmere::test::slotOf;
+    std::ptrdiff_t const slots[] = {
+        slotOf(&CFCActionData::SetClassName),        slotOf(&CFCActionData::GetClassNameStr),
+        slotOf(&CFCActionData::SetActionName),       slotOf(&CFCActionData::GetActionName),
+        slotOf(&CFCActionData::SetActionExpression), slotOf(&CFCActionData::GetActionExpression),
+        slotOf(&CFCActionData::SetActionValue),      slotOf(&CFCActionData::GetActionValue),
+        slotOf(&CFCActionData::SetActionType),       slotOf(&CFCActionData::GetActionType),
+        slotOf(&CFCActionData::SetActionFunction),   slotOf(&CFCActionData::GetActionFunction),
+    };
+    ASSERT_EQ(std::ssize(slots), 12);
+    for (std::ptrdiff_t i = 0; i < std::ssize(slots); ++i) {
+        EXPECT_EQ(slots[i], kFirstSlotBehindNode + i) << "operation number " << i;
+    }
+}
+
+TYPED_TEST(ActionRecord, AddsNoVirtualOperationToThoseOfAnAction) {
+    EXPECT_EQ(flowmere::test::slotsOf<TypeParam>(), flowmere::test::kFirstSlotBehindNode + 12);
+}
+
+TYPED_TEST(ActionList, AddsNoVirtualOperationToThoseOfAList) {
+    EXPECT_EQ(flowmere::test::slotsOf<TypeParam>(), flowmere::test::kFirstSlotBehindNode + 1);
+}
+#endif
 
 TYPED_TEST(ActionRecord, CreateDoesNothing) {
     TypeParam record;

@@ -148,7 +148,7 @@ TEST(CFCEnumTranslator, EnumeratorsStandForTheirNames) {
     EXPECT_EQ(static_cast<int>(ERefBlock_None), 0);
 }
 
-TEST(CFCEnumTranslator, TextOfOneCallIsOverwrittenByTheNext) {
+TEST(CFCEnumTranslator, CopyOfATextOutlivesTheNextCall) {
     wchar_t const* const first = CFCEnumTranslator::EnumToString(EDataType_Int);
     TuString const copy(first);
     wchar_t const* const second = CFCEnumTranslator::EnumToString(EScopeType_Global);

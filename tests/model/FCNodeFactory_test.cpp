@@ -12,6 +12,7 @@
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/model/NodeKinds.h"
 #include "model/PlainNodes.h"
+#include "model/VirtualSlots.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -127,6 +128,30 @@ TEST(CFCNodeFactory, DrawsTheHandlesOfTheNodeAndItsMembers) {
         CFCNodeHelper::DestroyTree(node);
     }
 }
+
+TEST(CFCNodeFactory, HandsTheCodeToTheTaskNodesItBuilds) {
+    CFCNodeFactory factory;
+    for (auto const& [code, type] : classes()) {
+        IFCNode* const node = factory.Create(code);
+        if (CFCBlockNode* const block = dynamic_cast<CFCBlockNode*>(node)) {
+            bool const takesTheCode = type == typeid(CFCBPMTaskNode);
+            EXPECT_EQ(block->blockKind, takesTheCode ? code : 0) << code;
+        }
+        CFCNodeHelper::DestroyTree(node);
+    }
+}
+
+#if FLOWMERE_TEST_SLOTS
+TEST(CFCNodeFactory, OperationsStandInTheDeclaredOrderBehindTheDestructor) {
+    using flowmere::test::kDestructorSlots;
+    using flowmere::test::slotOf;
+    EXPECT_EQ(slotOf(&CFCNodeFactory::Create), kDestructorSlots);
+    EXPECT_EQ(slotOf(&CFCNodeFactory::IsFullPath), kDestructorSlots + 1);
+    EXPECT_EQ(slotOf(&CFCNodeFactory::IsFileExists), kDestructorSlots + 2);
+    EXPECT_EQ(slotOf(&CFCNodeFactory::GetMacroPath), kDestructorSlots + 3);
+    EXPECT_EQ(flowmere::test::slotsOf<CFCNodeFactory>(), kDestructorSlots + 4);
+}
+#endif
 
 TEST(CFCNodeFactory, MacroPathIsEmpty) {
     CFCNodeFactory factory;

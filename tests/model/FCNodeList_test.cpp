@@ -2,6 +2,7 @@
 
 #include "flowmere/model/FCNodeManager.h"
 #include "model/PlainNodes.h"
+#include "model/VirtualSlots.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -52,6 +53,22 @@ public:
 private:
     std::string& m_log;
 };
+
+#if FLOWMERE_TEST_SLOTS
+using flowmere::test::kDestructorSlots;
+using flowmere::test::kFirstSlotBehindNode;
+using flowmere::test::slotOf;
+using flowmere::test::slotsOf;
+
+TEST(CFCNodeList, AddsOneVirtualOperationAndSoDoesTheSecondKindOfList) {
+    EXPECT_EQ(slotOf(&CFCNodeList::Find), kFirstSlotBehindNode);
+    EXPECT_EQ(slotsOf<CFCNodeList>(), kFirstSlotBehindNode + 1);
+    EXPECT_EQ(slotOf(&CFCDLinkList::Clear), kFirstSlotBehindNode);
+    EXPECT_EQ(slotsOf<CFCDLinkList>(), kFirstSlotBehindNode + 1);
+    EXPECT_EQ(slotOf(&CFCBaseContainer::Attach), kDestructorSlots);
+    EXPECT_EQ(slotsOf<CFCBaseContainer>(), kDestructorSlots + 1);
+}
+#endif
 
 // ---- CFCNodeList --------------------------------------------------------------------------------
 

@@ -5,12 +5,13 @@
 #include "flowmere/model/FCNodeList.h"
 #include "flowmere/model/FCNodeManager.h"
 #include "model/PlainNodes.h"
+#include "model/VirtualSlots.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstring>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <string>
@@ -63,15 +64,12 @@ static_assert(std::is_same_v<decltype(std::declval<IFCNode&>().GetProjectType())
 // A block of three variables and one connector is two dozen of these.
 static_assert(sizeof(CFCNode) <= 176);
 
-#if defined(__x86_64__) && !defined(_WIN32)
-// Number of the virtual operation behind a member pointer: such a pointer is one more than the offset in the table.
-template <typename Member>
-std::ptrdiff_t slotOf(Member member) {
-    std::ptrdiff_t words[2];
-    static_assert(sizeof(member) == sizeof(words));
-    std::memcpy(words, &member, sizeof(words));
-    return (words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
+#if FLOWMERE_TEST_SLOTS
+using flowmere::test::kDestructorSlots;
+using flowmere::test::kFirstSlotBehindNode;
+using flowmere::test::kInterfaceOperations;
+using flowmere::test::slotOf;
+using flowmere::test::slotsOf;
 
 TEST(IFCNode, OperationsStandInTheDeclaredOrderBehindTheDestructor) {
     std::ptrdiff_t const slots[] = {
@@ -193,10 +191,9 @@ TEST(IFCNode, OperationsStandInTheDeclaredOrderBehindTheDestructor) {
         slotOf(&IFCNode::SetNodeCollectionIndex),
         slotOf(&IFCNode::IsBPMNode),
     };
-    ASSERT_EQ(std::size(slots), 117U);
-    // Two entries belong to the destructor.
-    for (std::size_t i = 0; i < std::size(slots); ++i) {
-        EXPECT_EQ(slots[i], static_cast<std::ptrdiff_t>(i) + 2) << "operation number " << i;
+    ASSERT_EQ(std::ssize(slots), kInterfaceOperations);
+    for (std::ptrdiff_t i = 0; i < std::ssize(slots); ++i) {
+        EXPECT_EQ(slots[i], i + kDestructorSlots) << "operation number " << i;
     }
     std::ptrdiff_t const added[] = {
         slotOf(&CFCAbstractNode::Create),
@@ -205,9 +202,15 @@ TEST(IFCNode, OperationsStandInTheDeclaredOrderBehindTheDestructor) {
         slotOf(static_cast<void (CFCAbstractNode::*)()>(&CFCAbstractNode::SetModified)),
         slotOf(static_cast<void (CFCAbstractNode::*)()>(&CFCAbstractNode::SetDeleted)),
     };
-    for (std::size_t i = 0; i < std::size(added); ++i) {
-        EXPECT_EQ(added[i], static_cast<std::ptrdiff_t>(std::size(slots) + i) + 2) << "added operation number " << i;
+    for (std::ptrdiff_t i = 0; i < std::ssize(added); ++i) {
+        EXPECT_EQ(added[i], i + std::ssize(slots) + kDestructorSlots) << "added operation number " << i;
     }
+}
+
+TEST(CFCNode, AddsNoOperationToThoseOfTheBases) {
+    EXPECT_EQ(slotsOf<CFCNode>(), kFirstSlotBehindNode);
+    EXPECT_EQ(slotsOf<CFCProcessList>(), kFirstSlotBehindNode);
+    EXPECT_EQ(slotsOf<CFCSubGroupNode>(), kFirstSlotBehindNode);
 }
 #endif
 
@@ -1240,6 +1243,29 @@ TEST(CFCNode, DeleteTakesTheChainOfFirstChildrenAlone) {
     EXPECT_EQ(stays->GetPrev(), alsoStays);
     delete stays;
     delete alsoStays;
+}
+
+TEST(CFCNode, DeleteComesToAnEndWhenAChildWasAppendedTwice) {
+    for (bool const firstStandsOutside : {false, true}) {
+        auto* const root = new NamedNode(L"R");
+        auto* const a = new NamedNode(L"A");
+        auto* const b = new NamedNode(L"B");
+        for (NamedNode* const child : {a, b, a}) {
+            root->AppendChild(child, false); // the chain goes round in the end
+        }
+        auto* const outside = firstStandsOutside ? new NamedNode(L"C") : nullptr;
+        root->AppendChild(outside, false);
+        IFCNode* const first = root->GetChild();
+        int const goes = first->GetNodeHandle();
+        root->Delete();
+        EXPECT_EQ(CFCNodeManager::GetNode(goes), nullptr);
+        EXPECT_EQ(b->GetParentNode(), nullptr);
+        delete b;
+        if (firstStandsOutside) {
+            EXPECT_EQ(a->GetParentNode(), nullptr);
+            delete a;
+        }
+    }
 }
 
 TEST(CFCNode, DeepTreesDoNotBreakTheStack) {
