@@ -23,7 +23,7 @@ constexpr KindName kKindNames[] = {
     {eShapeType_Block, "block"},
     {eShapeType_Decision, "decision"},
     {eShapeType_RoundBlock, "round block"},
-    {eShapeType_ReferencedSubProcess, "referenced sub-process"},
+    {eShapeType_SubProcessAlternate, "sub-process"},
     {eShapeType_SubProcess, "sub-process"},
     {eShapeType_ProcessList, "process list"},
     {eShapeType_FileNode, "file"},
@@ -51,7 +51,7 @@ constexpr KindName kKindNames[] = {
     {eShapeType_SpawningLoop, "spawning loop"},
     {eShapeType_BasicSubProcess, "basic sub-process"},
     {eShapeType_Application, "application"},
-    {eShapeType_ServerApplication, "server application"},
+    {eShapeType_ApplicationGroup, "application"},
 };
 
 constexpr std::array<std::string_view, 9> kGripNames = {
@@ -267,7 +267,7 @@ bool isScriptedKind(int code) {
 }
 
 bool isWorkflowKind(int code) {
-    return code >= eShapeType_Task && code <= eShapeType_ServerApplication;
+    return code >= eShapeType_Task && code <= eShapeType_ApplicationGroup;
 }
 
 bool isDecisionKind(int code) {

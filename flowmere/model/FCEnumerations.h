@@ -236,9 +236,5 @@ enum eShapeType : int {
     eShapeType_History = 178,
     eShapeType_CustomFolder = 179,
     eShapeType_Deployment = 182,
-    eShapeType_Resource = 183,
-    // Former names of three codes, for the sources that still use them.
-    eShapeType_ReferencedSubProcess = eShapeType_SubProcessAlternate,
-    eShapeType_MimeTypeEntry = eShapeType_MimeTypeRoot,
-    eShapeType_ServerApplication = eShapeType_ApplicationGroup
+    eShapeType_Resource = 183
 };

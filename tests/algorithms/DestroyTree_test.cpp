@@ -62,7 +62,7 @@ TEST(DestroyTree, LeavesNothingOfANewNodeOfAnyType) {
         ++made;
         EXPECT_GT(live.count(), 0) << type;
         CFCNodeHelper::DestroyTree(node);
-        // A referenced sub-process draws the handles of a second object, which nobody holds.
+        // A sub-process of type 60 draws the handles of a second object, which nobody holds.
         EXPECT_EQ(live.count(), type == 60 ? 5 : 0) << type;
     }
     EXPECT_GT(made, 30);
