@@ -46,6 +46,27 @@ std::string readingFault(fs::path const& path) {
     return {};
 }
 
+// Name of the first element of a file; empty where it is not found, as in UTF-16. The file is known to be well formed.
+std::string rootElement(fs::path const& path) {
+    constexpr std::size_t kLookedAt = 65536;
+    std::ifstream in(path, std::ios::binary);
+    std::string text(kLookedAt, '\0');
+    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(in.gcount()));
+    for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at)) {
+        std::string_view const rest = std::string_view(text).substr(at);
+        if (rest.starts_with("<!DOCTYPE"))
+            return {};
+        if (!rest.starts_with("<?") && !rest.starts_with("<!--"))
+            return std::string(rest.substr(1, rest.find_first_of("/> \t\r\n") - 1));
+        std::size_t const end = text.find(rest.starts_with("<?") ? "?>" : "-->", at);
+        if (end == std::string::npos)
+            return {};
+        at = end;
+    }
+    return {};
+}
+
 struct TreeDeleter {
     void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
 };
@@ -96,6 +117,14 @@ std::vector<CFCVariableData*> variablesOf(IFCNode& node) {
                 variables.push_back(variable);
     }
     return variables;
+}
+
+// Whether a process has neither variables nor blocks nor anything else that documents hold.
+bool isBare(CFCProcessNode& process) {
+    for (IFCNode* child = process.GetChild(); child != nullptr; child = child->GetNext())
+        if (child->GetNodeType() != eShapeType_Favourites && child->GetNodeType() != eShapeType_History)
+            return false;
+    return variablesOf(process).empty();
 }
 
 // What of a tree must be found again after it was written, each with its number.
@@ -222,11 +251,15 @@ void Document::read() {
     Tree tree = parse(m_path, kLinkDepth, &m_findings);
     if (tree == nullptr)
         throw Failure(m_file, "", "is no process document: it is no well-formed XML");
-    m_process = dynamic_cast<CFCProcessNode*>(tree.get());
-    if (m_process == nullptr)
+    auto* const process = dynamic_cast<CFCProcessNode*>(tree.get());
+    if (process == nullptr)
         throw Failure(m_file, "", "is no process document");
+    // The reader takes any root element. One that is no process and holds nothing of a process is of another kind.
+    std::string const root = rootElement(m_path);
+    if (!root.empty() && root != "Process" && root != "PROCESS" && isBare(*process))
+        throw Failure(m_file, "", "is no process document: it holds a \"" + root + "\" and no blocks");
     static_cast<void>(tree.release());
-    m_process->ResolveVariables();
+    m_process = process;
 }
 
 // The library looks below the first two script roots and the document's folder alone.
@@ -319,19 +352,23 @@ ScriptState Document::scriptState(CFCBlockNode& block) const {
     return isNamed || isTask(block.GetNodeType()) ? ScriptState::Missing : ScriptState::None;
 }
 
+void Document::checkCanSave(std::string const& out) {
+    if (out.empty())
+        throw Failure("", "", "the name of the file to save is empty");
+    if (std::string const fault = writingFault(out); !fault.empty())
+        throw Failure(out, "", "cannot be written: " + fault);
+}
+
 void Document::save(std::string const& out) const {
+    checkCanSave(out);
     auto const fail = [&](std::string const& cause) {
         throw Failure(out, "", "cannot be written: " + cause);
     };
-    if (out.empty())
-        throw Failure("", "", "the name of the file to save is empty");
     std::error_code error;
     fs::path target = fs::absolute(out);
     // A link stays, and the file that it leads to is replaced.
-    if (fs::path const resolved = fs::weakly_canonical(target, error); !error && target.has_filename())
+    if (fs::path const resolved = fs::weakly_canonical(target, error); !error)
         target = resolved;
-    if (std::string const fault = writingFault(target); !fault.empty())
-        fail(fault);
 
     TemporaryFile const temporary(temporaryBeside(target));
     errno = 0;

@@ -59,6 +59,8 @@ public:
     std::optional<std::filesystem::path> scriptFile(std::string const& name) const;
     ScriptState scriptState(CFCBlockNode& block) const;
 
+    // Throws what save would throw for a file that cannot come to stand there, as far as that shows beforehand.
+    static void checkCanSave(std::string const& out);
     // Writes the whole tree. What was written is read back before it takes the place of a file that is there, so that
     // no failure harms that file. Throws Failure, exit code 2.
     void save(std::string const& out) const;

@@ -27,7 +27,7 @@ char const* stateName(BlockRun::State state) {
 }
 
 // Driven by the host, a tick at a time.
-class Runner::Mechanism : public FCExecutionMechanism {
+class Runner::Mechanism final : public FCExecutionMechanism {
 public:
     Mechanism() { setExecutionMode(CFCProcessNode::ExecutionByTimer); }
 

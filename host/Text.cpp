@@ -114,6 +114,8 @@ std::string oneLine(std::string_view text) {
             line += "\\t";
         else if (first < 0x20 || first == 0x7F)
             line += fmt::format("\\x{:02x}", first);
+        else if (first == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0)
+            line += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[1]));
         else
             line += text.substr(0, length);
         text.remove_prefix(std::max<std::size_t>(length, 1));
@@ -125,8 +127,12 @@ std::vector<std::string> nearNames(std::string_view typed, std::vector<std::stri
     constexpr std::size_t kMost = 3;
     std::string const wanted = lowered(typed);
     std::string const wantedPart(lastPart(wanted));
-    std::size_t const limit = std::max<std::size_t>(1, wanted.size() / 3);
-    std::size_t const partLimit = std::max<std::size_t>(1, wantedPart.size() / 3);
+    // A third of the letters may be wrong; of a name of one or two letters none, since everything would be near.
+    auto const limitFor = [](std::string const& text) {
+        return text.size() < 3 ? std::size_t{0} : std::max<std::size_t>(1, text.size() / 3);
+    };
+    std::size_t const limit = limitFor(wanted);
+    std::size_t const partLimit = limitFor(wantedPart);
 
     std::vector<std::pair<std::size_t, std::string>> found;
     for (std::string const& name : known) {

@@ -41,7 +41,7 @@ struct Options {
     std::vector<int> steps;
     std::vector<int> undos;
     std::vector<Move> moves; // steps and undos in the order of the command line
-    std::string saveTo;
+    std::optional<std::string> saveTo;
     bool json = false;
 };
 
@@ -277,6 +277,8 @@ public:
 
     int work() {
         setValues(m_document, m_options.values);
+        if (m_options.saveTo)
+            Document::checkCanSave(*m_options.saveTo);
         if (m_document.process().GetFirstConnectedBlock() == nullptr)
             throw Failure(m_options.file, "", "holds no block to run");
         for (std::string const& path : m_document.blockPaths())
@@ -287,7 +289,7 @@ public:
             output.emplace();
         run();
         std::optional<Failure> saveFailure;
-        if (!m_options.saveTo.empty() && m_report.end != "interrupted")
+        if (m_options.saveTo && m_report.end != "interrupted")
             saveFailure = save();
         if (output)
             output->giveBack();
@@ -387,7 +389,7 @@ private:
 
     std::optional<Failure> save() {
         try {
-            m_document.save(m_options.saveTo);
+            m_document.save(*m_options.saveTo);
             m_report.savedTo = m_options.saveTo;
         } catch (Failure const& failure) {
             return failure;
