@@ -121,6 +121,11 @@ void writeHistory(std::string const& text) {
         hostServices().writeHistory(text);
 }
 
+void outputBegins() {
+    if (hostServices().outputBegins)
+        hostServices().outputBegins();
+}
+
 std::string executingPath() {
     return hostServices().interpreter != nullptr ? hostServices().interpreter->executingBlock() : std::string();
 }
@@ -149,6 +154,7 @@ PYBIND11_EMBEDDED_MODULE(_flowmere, module) {
     module.def("set_active_handle", &setActiveHandle);
     module.def("active_handle", &activeHandle);
     module.def("write_history", &writeHistory);
+    module.def("output_begins", &outputBegins);
     module.def("executing_path", &executingPath);
     module.def("document_path", [] { return hostServices().documentPath; });
     module.def("report_error", &reportError);

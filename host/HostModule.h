@@ -16,6 +16,7 @@ void registerHostModule();
 struct HostServices {
     Interpreter* interpreter = nullptr;
     std::function<void(std::string const&)> writeHistory;
+    std::function<void()> outputBegins; // a script is about to print; see Interpreter::watchOutput
     std::string documentPath;
 };
 HostServices& hostServices();

@@ -147,6 +147,15 @@ void Interpreter::finishTick(std::string const& scriptName) {
     }
 }
 
+void Interpreter::watchOutput() {
+    py::gil_scoped_acquire const lock;
+    try {
+        py::module_::import("_flowmere_setup").attr("watch_output")();
+    } catch (py::error_already_set const& problem) {
+        throw Failure("Python", "", problem.what());
+    }
+}
+
 void Interpreter::takeSignals() {
     struct sigaction action {};
     action.sa_handler = onInterrupt;

@@ -42,6 +42,9 @@ public:
     // `scriptName` is that of the block's script, empty for none.
     void finishTick(std::string const& scriptName);
 
+    // From now on hostServices().outputBegins is called before scripts print.
+    void watchOutput();
+
     // From now on Ctrl-C stops the script that runs, and interrupted() is true; a second one ends the program at once
     // with exit code 130. Writing to a pipe that nobody reads becomes an error and ends nothing.
     void takeSignals();

@@ -90,6 +90,7 @@ public:
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
 
+    bool isShown() const { return m_isShown; }
     void show(std::string const& path, std::size_t done) {
         if (!m_isShown)
             return;
@@ -305,6 +306,12 @@ private:
         interpreter.takeSignals();
         HostServices& services = hostServices();
         services.documentPath = m_document.path().string();
+        if (m_progress.isShown()) {
+            services.outputBegins = [this] {
+                m_progress.clear();
+            };
+            interpreter.watchOutput();
+        }
         services.writeHistory = [this](std::string const& text) {
             history(text);
         };
@@ -321,6 +328,7 @@ private:
         for (Move const& move : m_options.moves)
             goesOn = goesOn && moveBy(runner, move);
         services.writeHistory = nullptr;
+        services.outputBegins = nullptr;
 
         if (CFCBlockNode* const next = runner.nextBlock())
             m_report.next = pathOf(*next);

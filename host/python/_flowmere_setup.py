@@ -2,6 +2,7 @@
 
 import importlib
 import importlib.machinery
+import io
 import signal
 import sys
 import traceback
@@ -57,6 +58,24 @@ def set_up(module_folder):
             stream.reconfigure(line_buffering=True, write_through=True)
     signal.signal(signal.SIGINT, signal.default_int_handler)
     sys.excepthook = report
+
+
+class _WatchedStream(io.TextIOWrapper):
+    """Tells the program before something is printed, so that it can take its own line away."""
+
+    def write(self, text):
+        _flowmere.output_begins()
+        return super().write(text)
+
+
+def watch_output():
+    for name in ("stdout", "stderr"):
+        stream = getattr(sys, name)
+        if stream is not None and not isinstance(stream, _WatchedStream):
+            encoding, errors = stream.encoding, stream.errors
+            watched = _WatchedStream(stream.detach(), encoding, errors, line_buffering=True, write_through=True)
+            setattr(sys, name, watched)
+            setattr(sys, "__" + name + "__", watched)
 
 
 def set_script_roots(roots, module_folder):

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -35,6 +36,7 @@ struct ProgramSetting {
     int interrupts = 1;                  // how often, a little apart
     std::string outputTo = {};           // a file for standard output in place of the pipe
     double limitSeconds = 60;            // killed after that, which is a failure
+    bool errorTerminal = false;          // standard error is a terminal
     std::vector<std::string> extra = {}; // further variables of the environment
 };
 
@@ -91,8 +93,16 @@ inline ProgramRun runProgram(std::vector<std::string> const& arguments, ProgramS
 
     int out[2];
     int err[2];
-    if (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(err, O_CLOEXEC) != 0)
+    if (::pipe2(out, O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe");
+    if (setting.errorTerminal) {
+        err[0] = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (err[0] < 0 || ::grantpt(err[0]) != 0 || ::unlockpt(err[0]) != 0)
+            throw std::runtime_error("no terminal");
+        err[1] = ::open(::ptsname(err[0]), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    } else if (::pipe2(err, O_CLOEXEC) != 0) {
+        throw std::runtime_error("no pipe");
+    }
     auto const start = std::chrono::steady_clock::now();
     pid_t const child = ::fork();
     if (child == 0) {

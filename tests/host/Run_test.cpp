@@ -271,6 +271,23 @@ TEST(RunningScripts, DoNotDisturbTheJsonDocument) {
     EXPECT_EQ(run.err, "to out\nfrom a child\nraw\n");
 }
 
+TEST(Progress, IsShownOnATerminalAndOutOfTheWayOfWhatScriptsPrint) {
+    Study study;
+    study.scriptOf("A", "pass");
+    study.scriptOf("B", "import sys\nprint('printed', file=sys.stderr)");
+    study.document(process(block("A") + block("B") + connector("A", "B")));
+    ProgramSetting setting;
+    setting.errorTerminal = true;
+    ProgramRun const run = study.run({}, setting);
+    EXPECT_EQ(run.err, "\r\x1b[Krunning A (0 blocks done)\r\x1b[K"
+                       "\r\x1b[Krunning B (1 block done)\r\x1b[Kprinted\r\n");
+    EXPECT_EQ(withoutTimes(run.out), "A  # ms  Executed\nB  # ms  Executed\nended: 2 blocks executed,  # ms\n");
+    setting.errorTerminal = false;
+    EXPECT_EQ(study.run({}, setting).err, "printed\n");
+    setting.errorTerminal = true;
+    EXPECT_EQ(study.run({"--json"}, setting).err, "printed\r\n");
+}
+
 TEST(RunningScripts, WriteHistoryAsLines) {
     Study study;
     study.scriptOf("A", "import THostManager\nTHostManager.WriteHistory('first\\nsecond\\n')\n"
