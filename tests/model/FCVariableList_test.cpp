@@ -223,6 +223,35 @@ TEST(FCVariableList, LongListSeesEachKindOfChange) {
     EXPECT_EQ(list.Find(L"filler1"), nullptr);
 }
 
+TEST(FCVariableList, ChainThatIsCutByHandEndsThere) {
+    List list;
+    list.fill(60);
+    CFCVariableData* const last = list.add("last");
+    EXPECT_EQ(list.FindByExactName(L"last"), last);
+    IFCNode* const cut = list.GetAt(40);
+    IFCNode* const next = cut->GetNext();
+    IFCNode* const prev = cut->GetPrev();
+    cut->RemoveLinks();
+    EXPECT_EQ(list.FindByExactName(L"last"), nullptr);
+    EXPECT_EQ(list.Find(L"FILLER40"), cut->GetVariableData());
+    cut->SetNext(next);
+    cut->SetPrev(prev);
+    EXPECT_EQ(list.FindByExactName(L"last"), last);
+}
+
+TEST(FCVariableList, SearchInAChainThatClosesOnItselfEnds) {
+    for (int fillers : {1, 60}) {
+        List list;
+        list.fill(fillers);
+        CFCVariableData* const last = list.add("last");
+        last->SetNext(list.GetAt(0));
+        EXPECT_EQ(list.Find(L"LAST"), last);
+        EXPECT_EQ(list.Find(L"nothing"), nullptr);
+        EXPECT_EQ(list.FindByExactName(L"nothing"), nullptr);
+        last->SetNext(nullptr);
+    }
+}
+
 TEST(FCVariableList, VariablesMayOutliveTheListThatKnewThem) {
     std::vector<std::unique_ptr<CFCVariableData>> variables;
     {

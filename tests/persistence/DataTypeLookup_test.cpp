@@ -161,6 +161,13 @@ TEST_F(DataTypeLookupDeathTest, ABrokenFileIsReadAgainOnlyOnceItHasChanged) {
         std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(5));
         EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
         EXPECT_GT(lastHandle(), before + 2) << "it was tried";
+        // Written at the same time, but longer.
+        auto const written = std::filesystem::last_write_time(file);
+        int const then = lastHandle();
+        writeFile(file, "<DataTypes x");
+        std::filesystem::last_write_time(file, written);
+        EXPECT_EQ(CFCNodeHelper::GetDataTypeNode(L"Int"), nullptr);
+        EXPECT_GT(lastHandle(), then + 1);
         // A file elsewhere is another one.
         CFCEnvironment::SetBasePath(wide(scratch.path() / "other"));
         writeCatalog();
