@@ -77,6 +77,10 @@ std::vector<IFCNode*> childrenOf(IFCNode& node) {
 
 Tree::Tree(IFCNode& root) {
     addNodes(root);
+    for (std::size_t index = m_nodes.size(); index-- > 0;) {
+        TreeNode& node = m_nodes[index];
+        node.last = node.children.empty() ? index : m_nodes[node.children.back()].last;
+    }
     for (std::size_t index = 0; index < m_nodes.size(); ++index)
         addVariables(index);
     for (std::size_t index = 0; index < m_nodes.size(); ++index)
@@ -217,12 +221,7 @@ std::string Tree::valueOf(TreeVariable const& variable) const {
     return utf8(m_variables[variable.source].data->GetValue());
 }
 
-CFCBlockNode* Tree::firstBlock(TreeNode const& container) const {
-    if (container.block == nullptr)
-        return nullptr;
-    if (CFCBlockNode* const first = container.block->GetFirstConnectedBlock())
-        return first;
-    // Workflow containers leave the search to their engine, which goes by the same rule.
+CFCBlockNode* Tree::clearStart(TreeNode const& container) const {
     std::vector<bool> hasWayIn(container.children.size());
     std::unordered_map<IFCNode*, std::size_t> places;
     for (std::size_t place = 0; place < container.children.size(); ++place)
@@ -231,17 +230,30 @@ CFCBlockNode* Tree::firstBlock(TreeNode const& container) const {
         for (CFCConnector* const way : m_nodes[child].ways)
             if (auto const end = places.find(static_cast<IFCNode*>(way->GetEndObject())); end != places.end())
                 hasWayIn[end->second] = true;
-    CFCBlockNode* newest = nullptr;
     for (std::size_t place = container.children.size(); place-- > 0;) {
         TreeNode const& child = m_nodes[container.children[place]];
-        if (child.block == nullptr)
-            continue;
-        if (newest == nullptr)
-            newest = child.block;
-        if (!child.ways.empty() && !hasWayIn[place])
+        if (child.block != nullptr && !child.ways.empty() && !hasWayIn[place])
             return child.block;
     }
-    return newest;
+    return nullptr;
+}
+
+bool Tree::hasClearStart(TreeNode const& container) const {
+    return clearStart(container) != nullptr;
+}
+
+CFCBlockNode* Tree::firstBlock(TreeNode const& container) const {
+    if (container.block == nullptr)
+        return nullptr;
+    if (CFCBlockNode* const first = container.block->GetFirstConnectedBlock())
+        return first;
+    // Workflow containers leave the search to their engine, which goes by the same rule.
+    if (CFCBlockNode* const first = clearStart(container))
+        return first;
+    for (auto child = container.children.rbegin(); child != container.children.rend(); ++child)
+        if (m_nodes[*child].block != nullptr)
+            return m_nodes[*child].block;
+    return nullptr;
 }
 
 std::string kindName(int code) {

@@ -43,6 +43,7 @@ struct TreeNode {
     std::string path; // empty for the root
     std::size_t firstVariable = 0;
     std::size_t variableCount = 0;
+    std::size_t last = 0;              // index of the last node below this one; its own when there is none
     std::vector<std::size_t> children; // in the order of the file
     std::vector<CFCConnector*> ways;   // the connectors that leave this block, in the order of the container
 };
@@ -66,10 +67,13 @@ public:
 
     // The value that a reader of the variable gets, through its links.
     std::string valueOf(TreeVariable const& variable) const;
+    // Whether a child has a way out and no way in, which makes it the first; without one the newest child is.
+    bool hasClearStart(TreeNode const& container) const;
     // The block in which the inner flow of a container starts; null for an empty one and for what is no container.
     CFCBlockNode* firstBlock(TreeNode const& container) const;
 
 private:
+    CFCBlockNode* clearStart(TreeNode const& container) const;
     void addNodes(IFCNode& root);
     void addVariables(std::size_t index);
     void addConnectors(std::size_t index);

@@ -1,6 +1,11 @@
 #include "flowmere/Flowmere.h"
 #include "host/Command.h"
+#include "host/Text.h"
+#include "host/commands/Check.h"
+#include "host/commands/Format.h"
+#include "host/commands/Generate.h"
 #include "host/commands/Run.h"
+#include "host/commands/Show.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -10,6 +15,7 @@
 #include <cstring>
 #include <exception>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -33,6 +39,10 @@ int run(int argc, char** argv) {
     app.fallthrough(false);
 
     addRun(app, result);
+    addShow(app, result);
+    addCheck(app, result);
+    addGenerate(app, result);
+    addFormat(app, result);
 
     try {
         app.parse(argc, argv);
@@ -40,6 +50,14 @@ int run(int argc, char** argv) {
         return app.exit(shown);
     } catch (CLI::ParseError const& error) {
         auto const called = app.get_subcommands();
+        std::vector<std::string> const strays = app.remaining();
+        if (called.empty() && !strays.empty()) {
+            std::vector<std::string> names;
+            for (CLI::App const* const command : app.get_subcommands([](CLI::App*) { return true; }))
+                names.push_back(command->get_name());
+            tell(errorLine("", strays.front(), "there is no such command" + suggestion(strays.front(), names)));
+            return kExitWrongUse;
+        }
         std::string const help =
             called.empty() ? "flowmere --help" : "flowmere " + called.front()->get_name() + " --help";
         tell(errorLine("", "", std::string(error.what()) + " (see " + help + ")"));

@@ -1,0 +1,88 @@
+#pragma once
+
+// The rules of the check. Each looks at the whole document once, and adds what it finds.
+
+#include "host/Document.h"
+#include "host/Tree.h"
+#include "host/checks/Scripts.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace flowmere::host {
+
+// Names of the rules. They stand in outputs that programs read: never change them.
+inline constexpr std::string_view kDeadLink = "dead-link";
+inline constexpr std::string_view kLinkLoop = "link-loop";
+inline constexpr std::string_view kMissingConnectorBlock = "missing-connector-block";
+inline constexpr std::string_view kMissingFile = "missing-file";
+inline constexpr std::string_view kDuplicateId = "duplicate-id";
+inline constexpr std::string_view kDuplicateVariable = "duplicate-variable";
+inline constexpr std::string_view kUnreachableBlock = "unreachable-block";
+inline constexpr std::string_view kDecisionGrip = "decision-grip";
+inline constexpr std::string_view kMissingScript = "missing-script";
+inline constexpr std::string_view kScriptSyntax = "script-syntax";
+inline constexpr std::string_view kScriptClass = "script-class";
+inline constexpr std::string_view kScriptImport = "script-import";
+inline constexpr std::string_view kNotIdentifier = "not-identifier";
+
+// One thing that is wrong.
+struct Finding {
+    std::string path; // of the node or variable; empty for the process itself
+    std::string_view rule;
+    std::string message;
+    // The script that a finding is about, and the line; 0 for none.
+    std::string script;
+    int line = 0;
+};
+
+// What a check works on, and what it has found so far.
+class Check {
+public:
+    Check(Document& document, Scripts& scripts);
+
+    Document& document;
+    Scripts& scripts;
+    Tree const tree;
+
+    void addToNode(std::size_t node, std::string_view rule, std::string message, std::string script = {}, int line = 0);
+    void addToVariable(std::size_t variable, std::string_view rule, std::string message);
+    // Something that the node holds besides its variables and children.
+    void addToContent(std::size_t node, std::string_view rule, std::string message);
+
+    // The script of a block: its file, and what stands in it. Null for a block without a script or without a file.
+    struct Script {
+        std::filesystem::path file;
+        ScriptFacts const* facts;
+    };
+    std::optional<Script> scriptOf(TreeNode const& node);
+
+    // In the order of the document: what is told of a node, of its variables, of its children, and of what else it
+    // holds.
+    std::vector<Finding> take();
+
+private:
+    struct Entry {
+        std::size_t node;
+        std::size_t place;
+        int inside; // of things behind the same node: those of inner containers come first
+        Finding finding;
+    };
+    std::vector<Entry> m_entries;
+};
+
+void checkIds(Check& check);     // duplicate-id, duplicate-variable
+void checkNames(Check& check);   // not-identifier
+void checkScripts(Check& check); // missing-script, script-syntax, script-class, script-import
+void checkGrips(Check& check);   // decision-grip
+void checkFlow(Check& check);    // unreachable-block
+void checkLinks(Check& check);   // dead-link, link-loop
+void checkReading(Check& check); // missing-connector-block, missing-file
+
+// All of them.
+std::vector<Finding> findingsOf(Document& document, Scripts& scripts);
+
+} // namespace flowmere::host

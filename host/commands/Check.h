@@ -1,0 +1,10 @@
+#pragma once
+
+#include "host/Command.h"
+
+namespace flowmere::host {
+
+// flowmere check FILE...: what is wrong with documents.
+void addCheck(CLI::App& app, Result& result);
+
+} // namespace flowmere::host

@@ -1,0 +1,286 @@
+#include "host/commands/Generate.h"
+
+#include "host/Document.h"
+#include "host/Text.h"
+#include "host/Tree.h"
+#include "host/WorkFolder.h"
+#include "host/checks/Scripts.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace flowmere::host {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Options {
+    std::string file;
+    std::string out;
+    bool keepUserCode = false;
+};
+
+// The endings of what the library writes: a file without them did not come to disk whole.
+constexpr std::string_view kMainEnd = "        \n";
+constexpr std::string_view kCompanionEnd = "        return\n";
+
+std::optional<std::string> contentOf(fs::path const& file) {
+    std::error_code error;
+    if (!fs::is_regular_file(file, error))
+        return std::nullopt;
+    std::ifstream in(file, std::ios::binary);
+    if (!in)
+        return std::nullopt;
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// The texts of the three files of a block.
+struct Generated {
+    std::string main;
+    std::string companion;
+    std::string package;
+};
+
+class Generator {
+public:
+    explicit Generator(Options const& options)
+        : m_options(options), m_document(options.file), m_tree(m_document.process()), m_work(options.out) {}
+
+    int work() {
+        m_out = fs::absolute(m_options.out).lexically_normal();
+        if (!m_out.has_filename())
+            m_out = m_out.parent_path();
+        makeFolder(m_out);
+        for (TreeNode const& node : m_tree.nodes())
+            if (node.parent != Tree::kNone && node.block != nullptr && isScriptedKind(node.node->GetNodeType()))
+                generate(node);
+        fmt::print("{}, {} written{}{}\n", counted(m_blocks, "block"), counted(m_written, "file"),
+                   m_kept == 0 ? "" : fmt::format(", {} kept", counted(m_kept, "file")),
+                   m_leftOut == 0 ? "" : fmt::format(", {} left out", counted(m_leftOut, "block")));
+        return m_leftOut > 0 || m_isDoubtful ? kExitFound : kExitWell;
+    }
+
+private:
+    void complain(TreeNode const& node, std::string const& cause) const {
+        std::fflush(stdout);
+        fmt::print(stderr, "{}\n", errorLine(m_options.file, node.path, cause));
+    }
+
+    void leaveOut(TreeNode const& node, std::string const& cause) {
+        ++m_leftOut;
+        complain(node, cause + "; nothing is generated for it");
+    }
+
+    void generate(TreeNode const& node) {
+        CFCBlockNode& block = *node.block;
+        if (block.GetScriptType() != EScriptType_PYTHON)
+            return leaveOut(node, "its script is no Python script");
+        if (!m_scripts.isIdentifier(node.id))
+            return leaveOut(node, fmt::format("the id \"{}\" is no Python name", node.id));
+        std::string const scriptName = utf8(block.GetScriptName());
+        std::vector<std::string> parts = partsOf(scriptName.empty() ? node.id : scriptName);
+        parts.pop_back();
+        fs::path folder = m_out;
+        std::string package;
+        for (std::string const& part : parts) {
+            if (!m_scripts.isIdentifier(part))
+                return leaveOut(node,
+                                fmt::format("the script name \"{}\" has a part that is no Python name", scriptName));
+            folder /= part;
+            package += part + ".";
+        }
+        std::string const generatedName = package + node.id;
+        for (std::string const& name : {node.id, node.id + "Block"})
+            if (auto const [owner, isNew] = m_owners.emplace(folder / name, node.path); !isNew)
+                return leaveOut(node,
+                                fmt::format("{}.py is a script of \"{}\" already; a package in the script name of "
+                                            "one of them keeps them apart",
+                                            name, owner->second));
+        for (std::size_t index = node.firstVariable; index < node.firstVariable + node.variableCount; ++index)
+            if (std::string const& name = m_tree.variables()[index].name; !m_scripts.isIdentifier(name)) {
+                m_isDoubtful = true;
+                complain(node,
+                         fmt::format("the variable name \"{}\" is no Python name; the script will not compile", name));
+            }
+
+        Generated const texts = textsOf(block);
+        makeFolder(folder);
+        ++m_blocks;
+        fmt::print("{}: script {}\n", oneLine(node.path), generatedName);
+        writeMain(folder / (node.id + ".py"), texts.main);
+        write(folder / (node.id + "Block.py"), texts.companion);
+        writePackage(folder / "__init__.py", texts.package);
+        if (!scriptName.empty() && scriptName != generatedName)
+            fmt::print("  the document names the script {}: change that to run this one\n", oneLine(scriptName));
+        else if (parts.empty())
+            hintAtPackage(node);
+    }
+
+    // A main file imports its companion from a package, and so needs one to run.
+    void hintAtPackage(TreeNode const& node) {
+        std::string const name = m_out.filename().string();
+        if (m_scripts.isIdentifier(name))
+            fmt::print("  to run it, let the document name the script {}.{}, and run with --scripts {}\n", name,
+                       node.id, m_out.parent_path().string());
+        else
+            fmt::print("  to run it, the script needs a package: let the document name it package.{}\n", node.id);
+    }
+
+    Generated textsOf(CFCBlockNode& block) {
+        CFCScriptWriter writer;
+        writer.SetNode(&block);
+        writer.SetFolderName(libraryPath(m_work.path()));
+        writer.SetMainFileName(libraryPath(m_work.path() / "main.py"));
+        writer.SetSubFileName(libraryPath(m_work.path() / "companion.py"));
+        writer.GenerateAllFiles(true);
+        auto const main = contentOf(m_work.path() / "main.py");
+        auto const companion = contentOf(m_work.path() / "companion.py");
+        auto const package = contentOf(m_work.path() / "__init__.py");
+        if (!main || !companion || !package || !main->ends_with(kMainEnd) || !companion->ends_with(kCompanionEnd))
+            throw Failure(m_work.path().string(), "", "the scripts cannot be written there");
+        return {*main, *companion, *package};
+    }
+
+    static void makeFolder(fs::path const& folder) {
+        std::error_code error;
+        fs::create_directories(folder, error);
+        if (!fs::is_directory(folder))
+            throw Failure(folder.string(), "",
+                          error ? "cannot be made: " + error.message() : "cannot be made: it is a file");
+    }
+
+    // The text takes the place of the file in one step.
+    static void put(fs::path const& file, std::string const& text) {
+        auto const fail = [&](std::string const& cause) {
+            throw Failure(file.string(), "", "cannot be written: " + cause);
+        };
+        std::error_code error;
+        if (fs::is_directory(file, error))
+            fail("it is a folder");
+        fs::path temporary = file;
+        temporary += fmt::format(".{}.tmp", ::getpid());
+        errno = 0;
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        if (!out)
+            fail(std::strerror(errno));
+        out.write(text.data(), static_cast<std::streamsize>(text.size()));
+        out.close();
+        if (!out) {
+            std::string const cause = std::strerror(errno);
+            fs::remove(temporary, error);
+            fail(cause);
+        }
+        fs::rename(temporary, file, error);
+        if (error) {
+            std::string const cause = error.message();
+            fs::remove(temporary, error);
+            fail(cause);
+        }
+    }
+
+    void write(fs::path const& file, std::string const& text) {
+        put(file, text);
+        ++m_written;
+        fmt::print("  {}\n", shown(file));
+    }
+
+    void keep(fs::path const& file) {
+        ++m_kept;
+        fmt::print("  {} kept\n", shown(file));
+    }
+
+    // Writes over a file that a person may have changed, once what it held is safe.
+    void writeWithBackup(fs::path const& file, std::string const& text, std::string const& held) {
+        fs::path backup = file;
+        backup += ".bak";
+        auto found = contentOf(backup);
+        for (int number = 2; fs::exists(backup) && found != held; ++number) {
+            backup = file;
+            backup += fmt::format(".bak{}", number);
+            found = contentOf(backup);
+        }
+        if (found != held)
+            put(backup, held);
+        put(file, text);
+        ++m_written;
+        fmt::print("  {} (what it held is in {})\n", shown(file), backup.filename().string());
+    }
+
+    void writeMain(fs::path const& file, std::string const& text) {
+        auto const held = contentOf(file);
+        if (held && m_options.keepUserCode)
+            keep(file);
+        else if (held && *held != text)
+            writeWithBackup(file, text, *held);
+        else
+            write(file, text);
+    }
+
+    // Several blocks share a package, whose marker a person may have filled.
+    void writePackage(fs::path const& file, std::string const& text) {
+        if (!m_packages.insert(file).second)
+            return;
+        auto const held = contentOf(file);
+        if (held && !held->empty() && *held != text)
+            writeWithBackup(file, text, *held);
+        else
+            write(file, text);
+    }
+
+    // Below the folder as the user named it.
+    std::string shown(fs::path const& file) const {
+        return oneLine((fs::path(m_options.out) / file.lexically_relative(m_out)).lexically_normal().string());
+    }
+
+    Options const& m_options;
+    Document m_document;
+    Tree m_tree;
+    Scripts m_scripts;
+    WorkFolder m_work;
+    fs::path m_out;
+    std::map<fs::path, std::string> m_owners; // of each module without its ending: the block
+    std::set<fs::path> m_packages;
+    std::size_t m_blocks = 0;
+    std::size_t m_written = 0;
+    std::size_t m_kept = 0;
+    std::size_t m_leftOut = 0;
+    bool m_isDoubtful = false;
+};
+
+} // namespace
+
+void addGenerate(CLI::App& app, Result& result) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("generate", "Write the script files of each task block");
+    command->add_option("FILE", options->file, "The process document")->required();
+    command
+        ->add_option("--out", options->out,
+                     "The folder for the scripts, made when it is missing; packages become folders in it")
+        ->required()
+        ->type_name("DIR");
+    command->add_flag("--keep-user-code", options->keepUserCode,
+                      "Leave the file with the user's code as it is where there is one");
+    command->footer("For a block Name: Name.py with the user's code, NameBlock.py with its variables, which is\n"
+                    "written anew each time, and __init__.py. Without --keep-user-code a Name.py that differs is\n"
+                    "kept as Name.py.bak.\n"
+                    "Exit code: 0 all went well, 1 a block was left out or has a name that is no Python name,\n"
+                    "2 a file cannot be read or written.");
+    command->callback([options, &result] { result.exitCode = Generator(*options).work(); });
+}
+
+} // namespace flowmere::host

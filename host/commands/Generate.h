@@ -1,0 +1,10 @@
+#pragma once
+
+#include "host/Command.h"
+
+namespace flowmere::host {
+
+// flowmere generate FILE --out DIR: the script files of each task block.
+void addGenerate(CLI::App& app, Result& result);
+
+} // namespace flowmere::host

@@ -1,0 +1,157 @@
+"""Reads scripts for the program's check, and never runs any of their code."""
+
+import ast
+import keyword
+import os
+import warnings
+
+_BRANCHES = (ast.If, ast.IfExp, ast.For, ast.While, ast.Try, ast.Match, ast.ExceptHandler, ast.BoolOp, ast.comprehension)
+_FUNCTIONS = (ast.FunctionDef, ast.AsyncFunctionDef, ast.Lambda, ast.ClassDef)
+
+
+def is_identifier(name):
+    return name.isidentifier() and not keyword.iskeyword(name)
+
+
+def keywords():
+    return list(keyword.kwlist)
+
+
+class _Script:
+    """What the host asks about one file."""
+
+    def __init__(self):
+        self.error_line = 0
+        self.error = ""
+        # The grips that constant calls of setActiveHandle name, each with its first line.
+        self.grips = {}
+        # Whether some call names its grip otherwise, and whether some call is on every way through its function.
+        self.sets_unknown_grip = False
+        self.always_sets_grip = False
+        # Whether the module has its class; the relative imports as (line, level, module).
+        self.has_class = True
+        self.relative_imports = []
+
+
+def read_script(path, class_name):
+    """The script in the file. Of one that does not compile only the error is told."""
+    script = _Script()
+    path = os.fsdecode(path)
+    try:
+        with open(path, "rb") as stream:
+            source = stream.read()
+        with warnings.catch_warnings():
+            warnings.simplefilter("ignore")
+            tree = ast.parse(source, path)
+            compile(source, path, "exec", dont_inherit=True)
+    except SyntaxError as error:
+        script.error_line = error.lineno or 0
+        script.error = _printable(error.msg)
+        return script
+    except OSError as error:
+        script.error = "cannot be read: " + _printable(error.strerror)
+        return script
+    except RecursionError:
+        script.error = "is nested too deeply"
+        return script
+    except (ValueError, MemoryError, OverflowError) as error:
+        script.error = _printable(error) or "is too large"
+        return script
+    _look_at(tree, class_name, script)
+    return script
+
+
+def _printable(text):
+    return str(text).encode("utf-8", "replace").decode("utf-8")
+
+
+def _look_at(tree, class_name, script):
+    constants = _constants_of(tree)
+    bound = set()
+    is_open = False
+    # Nodes with whether they are inside a function, and whether inside a branch of it.
+    pending = [(tree, False, False)]
+    while pending:
+        node, in_function, in_branch = pending.pop()
+        if isinstance(node, ast.Call):
+            _look_at_call(node, constants, in_branch, script)
+        elif isinstance(node, ast.ImportFrom):
+            if node.level and not in_function:
+                script.relative_imports.append((node.lineno, node.level, node.module or ""))
+        if not in_function:
+            is_open = _bind(node, bound) or is_open
+        if isinstance(node, _FUNCTIONS):
+            in_function, in_branch = True, False
+        elif isinstance(node, _BRANCHES):
+            in_branch = True
+        pending.extend((child, in_function, in_branch) for child in ast.iter_child_nodes(node))
+    script.relative_imports.sort()
+    script.has_class = is_open or class_name in bound
+
+
+def _bind(node, bound):
+    """Adds the names that the node binds; true when it may bind any name."""
+    if isinstance(node, (ast.ClassDef, ast.FunctionDef, ast.AsyncFunctionDef)):
+        bound.add(node.name)
+        return node.name == "__getattr__"
+    if isinstance(node, ast.Name) and isinstance(node.ctx, ast.Store):
+        bound.add(node.id)
+    elif isinstance(node, ast.Name) and node.id in ("exec", "globals", "setattr", "vars", "locals"):
+        return True
+    elif isinstance(node, ast.alias):
+        if node.name == "*":
+            return True
+        bound.add(node.asname or node.name.partition(".")[0])
+    return False
+
+
+def _constants_of(tree):
+    """Names that are given one number once, and nothing else ever."""
+    values = {}
+    for node in ast.walk(tree):
+        if isinstance(node, ast.Name) and not isinstance(node.ctx, ast.Load):
+            values.setdefault(node.id, []).append(None)
+        elif isinstance(node, ast.arg):
+            values.setdefault(node.arg, []).append(None)
+    for node in ast.walk(tree):
+        if isinstance(node, ast.Assign) and len(node.targets) == 1 and isinstance(node.targets[0], ast.Name):
+            name = node.targets[0].id
+            number = _number(node.value)
+            if number is not None and len(values[name]) == 1:
+                values[name] = [number]
+    return {name: found[0] for name, found in values.items() if len(found) == 1 and found[0] is not None}
+
+
+def _number(node):
+    sign = 1
+    while isinstance(node, ast.UnaryOp) and isinstance(node.op, ast.USub):
+        sign = -sign
+        node = node.operand
+    if isinstance(node, ast.Constant) and type(node.value) is int:
+        return sign * node.value
+    return None
+
+
+def _look_at_call(node, constants, in_branch, script):
+    name = node.func.attr if isinstance(node.func, ast.Attribute) else getattr(node.func, "id", "")
+    if name != "setActiveHandle":
+        return
+    if not in_branch:
+        script.always_sets_grip = True
+    arguments = list(node.args) + [word.value for word in node.keywords]
+    if len(arguments) != 1:
+        script.sets_unknown_grip = True
+        return
+    pending = [arguments[0]]
+    while pending:
+        argument = pending.pop()
+        if isinstance(argument, ast.IfExp):
+            pending += [argument.orelse, argument.body]
+            continue
+        number = _number(argument)
+        if number is None and isinstance(argument, ast.Name):
+            number = constants.get(argument.id)
+        if number is None or abs(number) > 10**6:
+            script.sets_unknown_grip = True
+        else:
+            script.grips[number] = min(node.lineno, script.grips.get(number, node.lineno))

@@ -1,0 +1,5 @@
+from . RelativeBlock import RelativeBlock
+
+
+class Relative(RelativeBlock):
+    pass

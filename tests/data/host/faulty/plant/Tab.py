@@ -1,0 +1,4 @@
+class Tab:
+    def Execute(self):
+        x = 1
+	y = 2

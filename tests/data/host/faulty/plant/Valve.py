@@ -1,0 +1,3 @@
+class Valve:
+    def Execute(self):
+        return (1

@@ -1,0 +1,6 @@
+class Setup:
+    def __init__(self, handle):
+        self.handle = handle
+
+    def Execute(self):
+        pass
