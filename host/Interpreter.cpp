@@ -23,6 +23,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// A build with sanitizers sees nothing of what lies in the interpreter's own memory pools.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define FLOWMERE_HOST_SANITIZED
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define FLOWMERE_HOST_SANITIZED
+#endif
+#if defined(FLOWMERE_HOST_SANITIZED)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
 volatile std::sig_atomic_t interruptCount = 0;
 
 // The first Ctrl-C reaches the script as KeyboardInterrupt; a script that does not let go is left behind by the second.
@@ -68,6 +83,8 @@ void initialise() {
     PyPreConfig before;
     ::PyPreConfig_InitIsolatedConfig(&before);
     before.utf8_mode = 1;
+    if (kIsSanitized)
+        before.allocator = PYMEM_ALLOCATOR_MALLOC;
     check(::Py_PreInitialize(&before));
 
     PyConfig config;
