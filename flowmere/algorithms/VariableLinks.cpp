@@ -3,6 +3,7 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/model/FCBlockData.h"
 #include "flowmere/model/FCVariableData.h"
+#include "flowmere/model/LinkEpoch.h"
 #include "flowmere/model/NodeTable.h"
 #include "flowmere/model/ParentChain.h"
 
@@ -69,6 +70,7 @@ void CFCVariableData::RemoveInvalidLink() {
     setLinked(CFCNodeHelper::FindVariable(path, GetRoot()));
     if (m_pLinkedVariable == nullptr) {
         m_strLinkPath.Empty();
+        ++flowmere::linkEpoch;
         m_eConnectionType = EConnectionType_Local;
         m_eScopeType = EScopeType_Local;
     }
@@ -78,6 +80,7 @@ void CFCVariableData::bindTo(CFCVariableData* target) {
     LinkVariable(target);
     target->SetPath();
     m_strLinkPath = target->m_strPath;
+    ++flowmere::linkEpoch;
     m_eScopeType = EScopeType_Connected;
     if (*target->GetDataTypeS() == L'\0') {
         // A target without a type takes that of its user.

@@ -1,10 +1,13 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 
+#include "flowmere/algorithms/LinkEnds.h"
 #include "flowmere/algorithms/TreeWalk.h"
 #include "flowmere/model/FCBlockNode.h"
 #include "flowmere/model/FCPointerConverter.h"
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/model/FCVariableList.h"
+
+#include <vector>
 
 namespace {
 
@@ -53,7 +56,65 @@ CFCVariableData* CFCNodeHelper::FindVariableByMapID(IFCNode* node, int id) {
     });
 }
 
+namespace {
+
+flowmere::LinkEnds* innermostLinkEnds = nullptr;
+
+} // namespace
+
+flowmere::LinkEnds::LinkEnds(IFCNode* root) : m_root(root), m_outer(innermostLinkEnds) {
+    innermostLinkEnds = this;
+}
+
+flowmere::LinkEnds::~LinkEnds() {
+    innermostLinkEnds = m_outer;
+}
+
+flowmere::LinkEnds* flowmere::LinkEnds::of(IFCNode* root) noexcept {
+    return innermostLinkEnds != nullptr && innermostLinkEnds->m_root == root ? innermostLinkEnds : nullptr;
+}
+
+CFCVariableData* flowmere::LinkEnds::find(wchar_t const* path) {
+    if (m_epoch != linkEpoch) {
+        m_ends.clear();
+        m_epoch = linkEpoch;
+    }
+    std::vector<TuString> passed;
+    TuString current(path);
+    CFCVariableData* end = nullptr;
+    CFCVariableData* variable = CFCNodeHelper::FindVariable(current, m_root);
+    CircleGuard<CFCVariableData> guard;
+    while (true) {
+        if (auto const known = m_ends.find(current); known != m_ends.end()) {
+            end = known->second;
+            break;
+        }
+        passed.push_back(current);
+        if (variable == nullptr || !variable->IsLinked()) {
+            end = variable;
+            break;
+        }
+        TuString next(variable->GetLinkPath());
+        if (next == current || guard.closes(variable)) {
+            break;
+        }
+        variable = CFCNodeHelper::FindVariable(next, m_root);
+        if (variable != nullptr && current == variable->GetLinkPath()) {
+            break;
+        }
+        current = next;
+    }
+    // Every variable on the way ends where this one does; a circle is left by none of them.
+    for (TuString const& place : passed) {
+        m_ends.emplace(place, end);
+    }
+    return end;
+}
+
 CFCVariableData* CFCNodeHelper::FindFinalVariable(wchar_t const* path, IFCNode* node) {
+    if (flowmere::LinkEnds* const ends = flowmere::LinkEnds::of(node)) {
+        return ends->find(path);
+    }
     TuString current(path);
     CFCVariableData* variable = FindVariable(current, node);
     flowmere::CircleGuard<CFCVariableData> guard;

@@ -11,6 +11,7 @@
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCEnumTranslator.h"
 #include "flowmere/model/FCJSONTemplates.h"
+#include "flowmere/model/LinkEpoch.h"
 #include "flowmere/model/VariableNameIndex.h"
 
 namespace {
@@ -113,6 +114,7 @@ void CFCVariableData::copyFields(CFCVariableData const& other) {
     m_strNature = other.m_strNature;
     m_strPath = other.m_strPath;
     m_strLinkPath = other.m_strLinkPath;
+    ++flowmere::linkEpoch;
     m_strError = other.m_strError;
     m_strCaption = other.m_strCaption;
     m_strResolveEvent = other.m_strResolveEvent;
@@ -365,6 +367,7 @@ void CFCVariableData::ReleaseOwnedParts() {
 // --- Identity -------------------------------------------------------------------------------------
 
 void CFCVariableData::nameWillChange() {
+    ++flowmere::linkEpoch;
     if (m_nNameIndex != 0) {
         flowmere::VariableNameIndex::nameChanges(m_nNameIndex);
     }
@@ -731,6 +734,7 @@ void CFCVariableData::Copy(CFCVariableData* source, CFCVariableData* target) {
     target->m_eConnectionType = source->m_eConnectionType;
     target->m_bTemplateVariable = source->IsTemplateVariable() ? 1 : 0;
     target->m_strLinkPath = source->m_strLinkPath;
+    ++flowmere::linkEpoch;
     target->m_bDeployed = source->m_bDeployed;
     target->m_bEditable = source->m_bEditable;
     target->m_strNature = source->m_strNature;
@@ -772,6 +776,7 @@ CFCVariableData* CFCVariableData::CloneVariable() {
 
 void CFCVariableData::SetLinkPath(wchar_t const* path) {
     m_strLinkPath = path;
+    ++flowmere::linkEpoch;
 }
 
 bool CFCVariableData::IsLinked() {
@@ -779,6 +784,10 @@ bool CFCVariableData::IsLinked() {
 }
 
 void CFCVariableData::setLinked(CFCVariableData* target) {
+    // With a path the variable is linked in any case.
+    if (m_strLinkPath.IsEmpty() && (m_pLinkedVariable == nullptr) != (target == nullptr)) {
+        ++flowmere::linkEpoch;
+    }
     m_pLinkedVariable = target;
     m_nLinkedTargetHandle = target == nullptr ? 0 : target->GetNodeHandle();
 }
@@ -797,6 +806,7 @@ void CFCVariableData::AddVariablePrefix(wchar_t const* prefix) {
     TuString const front(prefix);
     if (!front.IsEmpty() && !m_strLinkPath.IsEmpty()) {
         m_strLinkPath = front + m_strLinkPath;
+        ++flowmere::linkEpoch;
     }
 }
 

@@ -1,5 +1,6 @@
 #include "flowmere/persistence/FCWriter.h"
 
+#include "flowmere/algorithms/LinkEnds.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockData.h"
 #include "flowmere/model/FCCatalogNodes.h"
@@ -11,6 +12,7 @@
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/model/FCVariableList.h"
 #include "flowmere/model/NodeKinds.h"
+#include "flowmere/model/ParentChain.h"
 #include "flowmere/xml/XmlElements.h"
 #include "flowmere/xml/XmlFile.h"
 #include "flowmere/xml/XmlPlatform.h"
@@ -19,6 +21,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <typeinfo>
 #include <unordered_map>
@@ -298,8 +301,12 @@ bool CFCWriter::WriteFile(wchar_t const* path, IFCNode* node, bool deep) {
     m_strFilePath = path;
     if (m_strFilePath.IsEmpty() || node == nullptr)
         return false;
-    if (typeid(*this) == typeid(CFCWriter))
+    // A derived class may change ids, names and connectors on the way.
+    std::optional<flowmere::LinkEnds> linkEnds;
+    if (typeid(*this) == typeid(CFCWriter)) {
         m_pPorts = std::make_shared<flowmere::ConnectorPorts>();
+        linkEnds.emplace(flowmere::topOf(node));
+    }
     m_nDepth = 0;
     bool const result = flowmere::writeXmlFile(m_strFilePath, m_strRootName.View(),
                                                [&](DOMElement* root) { WriteObject(node, nullptr, root); });
