@@ -1,5 +1,7 @@
 #include "flowmere/environment/FCEnvironment.h"
 
+#include "flowmere/environment/LocalFile.h"
+#include "flowmere/foundation/Files.h"
 #include "flowmere/foundation/Immortal.h"
 #include "flowmere/foundation/TuFileUtl.h"
 
@@ -52,12 +54,7 @@ TuString withBackslashesForDots(wchar_t const* name) {
 }
 
 bool isPresent(TuString const& path) {
-    std::FILE* const file = TuFOpen(path.GetAnsiBuffer(), "rb", __FILE__, __LINE__);
-    if (file == nullptr) {
-        return false;
-    }
-    TuFClose(file, __FILE__, __LINE__);
-    return true;
+    return flowmere::isReadableFile(path);
 }
 
 // The compositions that several getters share. They return values, so that no getter disturbs the text that another
@@ -68,17 +65,26 @@ TuString fullPath(wchar_t const* name) {
     return isPresent(ofUser) ? ofUser : below(baseRoot(), name);
 }
 
-TuString localFilePath(wchar_t const* text) {
+// The local file of a script name, and whether it is there; the last place is only asked when `isAsked`.
+flowmere::LocalFile localFile(wchar_t const* text, bool isAsked) {
     TuString const name(text);
     if (!name.IsEmpty() && isPresent(name)) {
-        return name;
+        return {name, true};
     }
     if (name.GetLength() > 2 && name.GetAt(1) == L':') {
-        return name;
+        return {name, false};
     }
     TuString const file = withBackslashesForDots(name) + L".py";
     TuString const ofUser = below(userRoot(), file);
-    return isPresent(ofUser) ? ofUser : below(baseRoot(), file);
+    if (isPresent(ofUser)) {
+        return {ofUser, true};
+    }
+    TuString const ofBase = below(baseRoot(), file);
+    return {ofBase, isAsked && ofBase != ofUser && isPresent(ofBase)};
+}
+
+TuString localFilePath(wchar_t const* text) {
+    return localFile(text, false).path;
 }
 
 TuString macroFilePath(wchar_t const* name) {
@@ -115,6 +121,10 @@ wchar_t const* keep(Immortal<TuString>& place, TuString path) {
 }
 
 } // namespace
+
+flowmere::LocalFile flowmere::findLocalFile(wchar_t const* name) {
+    return localFile(name, true);
+}
 
 TuString& CFCEnvironment::m_strBasePath = s_basePath.value;
 TuString& CFCEnvironment::m_strMacroBasePath = s_macroBasePath.value;
@@ -388,7 +398,7 @@ wchar_t const* CFCEnvironment::GetLocalFilePath(wchar_t const* name) {
 }
 
 bool CFCEnvironment::IsLocalFileExist(wchar_t const* name) {
-    return isPresent(localFilePath(name));
+    return localFile(name, true).isThere;
 }
 
 bool CFCEnvironment::IsMacroFileExist(wchar_t const* name) {

@@ -104,9 +104,14 @@ std::wstring fromUtf8(std::string_view bytes) {
 }
 
 std::string toUtf8(std::wstring_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (std::size_t index = 0; index < text.size(); ++index) {
+    // Most texts are ASCII throughout.
+    std::string bytes(text.size(), '\0');
+    std::size_t index = 0;
+    for (; index < text.size() && static_cast<std::uint32_t>(text[index]) < 0x80; ++index) {
+        bytes[index] = static_cast<char>(text[index]);
+    }
+    bytes.resize(index);
+    for (; index < text.size(); ++index) {
         auto character = static_cast<std::uint32_t>(text[index]);
         if constexpr (sizeof(wchar_t) == 2) {
             if (character >= 0xD800 && character <= 0xDBFF && index + 1 < text.size()) {

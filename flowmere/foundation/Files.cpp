@@ -4,9 +4,14 @@
 #include "flowmere/foundation/Paths.h"
 
 #include <array>
+#include <filesystem>
 #include <memory>
 #include <system_error>
 #include <utility>
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
 
 namespace flowmere {
 
@@ -18,19 +23,29 @@ struct FileCloser {
 
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-std::FILE* openAsFile(std::filesystem::path const& path, char const* mode) {
-    // The kind is asked first, because opening a pipe would wait for its other end.
+// The kind is asked first, because opening a pipe would wait for its other end.
+#if defined(_WIN32)
+std::FILE* openAsFile(wchar_t const* path, char const* mode) {
+    std::filesystem::path const native = filesystemPath(path);
     std::error_code ignored;
-    auto const status = std::filesystem::status(path, ignored);
+    auto const status = std::filesystem::status(native, ignored);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         return nullptr;
     }
-#if defined(_WIN32)
-    return _wfopen(path.c_str(), fromUtf8(mode).c_str());
-#else
-    return std::fopen(path.c_str(), mode);
-#endif
+    return _wfopen(native.c_str(), fromUtf8(mode).c_str());
 }
+#else
+// Most questions are for files that are not there, and each block of a document asks several.
+std::FILE* openAsFile(wchar_t const* path, char const* mode) {
+    std::string const native = systemPath(path);
+    struct stat status {};
+    bool const exists = ::stat(native.c_str(), &status) == 0;
+    if (exists ? !S_ISREG(status.st_mode) : mode[0] == 'r') {
+        return nullptr;
+    }
+    return std::fopen(native.c_str(), mode);
+}
+#endif
 
 } // namespace
 
@@ -39,7 +54,7 @@ std::FILE* openFile(wchar_t const* path, char const* mode) noexcept {
         return nullptr;
     }
     try {
-        return openAsFile(filesystemPath(path), mode);
+        return openAsFile(path, mode);
     } catch (...) {
         return nullptr;
     }
@@ -56,6 +71,12 @@ bool readFile(wchar_t const* path, std::string& bytes) noexcept {
     }
     try {
         std::string content;
+        // Room for all of it at once, as far as the size is known.
+        if (std::fseek(file.get(), 0, SEEK_END) == 0) {
+            long const size = std::ftell(file.get());
+            content.reserve(size > 0 ? static_cast<std::size_t>(size) : 0);
+        }
+        std::rewind(file.get());
         std::array<char, 16384> block;
         std::size_t count = 0;
         while ((count = std::fread(block.data(), 1, block.size(), file.get())) > 0) {

@@ -1,6 +1,7 @@
 #include "flowmere/model/FCBlockData.h"
 
 #include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/environment/LocalFile.h"
 #include "flowmere/foundation/Encoding.h"
 #include "flowmere/foundation/Files.h"
 #include "flowmere/foundation/Immortal.h"
@@ -454,25 +455,40 @@ void CFCBlockData::loadScriptFile() {
 }
 
 void CFCBlockData::LoadScript() {
+    TuString missing;
     if (scriptCode.IsEmpty() && location == EScriptLocation_Default && !scriptName.IsEmpty()) {
-        if (CFCEnvironment::IsLocalFileExist(scriptName)) {
-            fullScriptFileName = CFCEnvironment::GetLocalFilePath(scriptName);
+        flowmere::LocalFile const local = flowmere::findLocalFile(scriptName);
+        if (local.isThere) {
+            fullScriptFileName = local.path;
             loadScriptFile();
-        } else if (CFCEnvironment::IsMacroFileExist(scriptName)) {
-            fullScriptFileName = CFCEnvironment::GetMacroFilePath(scriptName);
-            loadScriptFile();
+        } else {
+            missing = local.path;
+            if (CFCEnvironment::IsMacroFileExist(scriptName)) {
+                fullScriptFileName = CFCEnvironment::GetMacroFilePath(scriptName);
+                loadScriptFile();
+            }
         }
     }
     if (scriptCode.IsEmpty() || scriptChanged) {
-        LoadGuiScript();
+        loadGuiScript(missing);
     }
 }
 
 void CFCBlockData::LoadGuiScript() {
+    loadGuiScript(TuString());
+}
+
+// `missing` is the local path of the script name when it is known that no file is there: each question costs a look at
+// the disk, and a document asks for every block.
+void CFCBlockData::loadGuiScript(TuString const& missing) {
     if (scriptName.IsEmpty()) {
         scriptName = blockId;
     }
     if (fullScriptFileName.IsEmpty()) {
+        if (!missing.IsEmpty()) {
+            fullScriptFileName = missing;
+            return;
+        }
         fullScriptFileName = CFCEnvironment::GetLocalFilePath(scriptName);
     }
     if (!fullScriptFileName.IsEmpty()) {

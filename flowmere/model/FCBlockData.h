@@ -372,6 +372,7 @@ private:
     };
 
     void loadScriptFile();
+    void loadGuiScript(TuString const& missing);
 
     CFCPortList portList;
     int activeHandle = 6;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace {
 
@@ -118,6 +119,17 @@ bool lookUp(Names const& names, wchar_t const* text, Enumeration& value) {
     return true;
 }
 
+bool findName(TuTemplateArray<TuString> const& names, std::wstring_view name, int& index) {
+    int const count = names.GetCount();
+    for (int i = 0; i < count; ++i) {
+        if (names[i].View() == name) {
+            index = i;
+            return true;
+        }
+    }
+    return false;
+}
+
 TuTemplateArray<TuString>& filled(Names& names) {
     CFCEnumTranslator::SetArrays();
     return names.array;
@@ -128,21 +140,11 @@ TuTemplateArray<TuString>& filled(Names& names) {
 CFCStringMap::~CFCStringMap() = default;
 
 bool CFCStringMap::Lookup(TuString const& name, int& index) const {
-    if (m_pNames == nullptr) {
-        return false;
-    }
-    int const count = m_pNames->GetCount();
-    for (int i = 0; i < count; ++i) {
-        if ((*m_pNames)[i] == name) {
-            index = i;
-            return true;
-        }
-    }
-    return false;
+    return m_pNames != nullptr && findName(*m_pNames, name.View(), index);
 }
 
 bool CFCStringMap::Lookup(wchar_t const* name, int& index) const {
-    return name != nullptr && Lookup(TuString(name), index);
+    return m_pNames != nullptr && name != nullptr && findName(*m_pNames, name, index);
 }
 
 CFCEnumTranslator::~CFCEnumTranslator() = default;

@@ -7,6 +7,7 @@
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCNodeFactory.h"
 #include "flowmere/model/FCVariableData.h"
+#include "flowmere/persistence/CatalogAbsence.h"
 #include "flowmere/persistence/FCDataTypeListReader.h"
 
 #include <cstdint>
@@ -40,10 +41,23 @@ struct FileState {
 
 flowmere::Immortal<FileState> brokenFile;
 
+// What CatalogAbsence remembers.
+struct Absence {
+    int scopes = 0;
+    bool isNoted = false;
+    TuString basePath;
+};
+
+flowmere::Immortal<Absence> absence;
+
 // First entry of the catalog file; null while there is nothing to read. The list node stays as its parent.
 CFCDataTypeNode* readCatalog() {
+    if (flowmere::CatalogAbsence::isKnown()) {
+        return nullptr;
+    }
     TuString const path(CFCEnvironment::GetDataTypeFilePath());
     if (!TuFileUtl::IsFileName(path)) {
+        flowmere::CatalogAbsence::note();
         return nullptr;
     }
     FileState const state(path);
@@ -64,6 +78,27 @@ CFCDataTypeNode* readCatalog() {
 }
 
 } // namespace
+
+flowmere::CatalogAbsence::CatalogAbsence() {
+    ++absence->scopes;
+}
+
+flowmere::CatalogAbsence::~CatalogAbsence() {
+    if (--absence->scopes == 0) {
+        absence->isNoted = false;
+    }
+}
+
+bool flowmere::CatalogAbsence::isKnown() {
+    return absence->isNoted && absence->basePath == CFCEnvironment::m_strBasePath;
+}
+
+void flowmere::CatalogAbsence::note() {
+    if (absence->scopes > 0) {
+        absence->isNoted = true;
+        absence->basePath = CFCEnvironment::m_strBasePath;
+    }
+}
 
 IFCNode* CFCNodeHelper::GetDataTypeNode(wchar_t const* name) {
     TuString const key(name);

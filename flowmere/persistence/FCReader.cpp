@@ -14,6 +14,7 @@
 #include "flowmere/model/FCProcessNode.h"
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/model/NodeKinds.h"
+#include "flowmere/persistence/CatalogAbsence.h"
 #include "flowmere/xml/XmlElements.h"
 #include "flowmere/xml/XmlPlatform.h"
 
@@ -442,6 +443,7 @@ bool CFCReader::Load(DOMElement* element, IFCNode* node, IFCNode*) {
     if (element == nullptr)
         return true;
     Restored const depth(m_nElementDepth);
+    flowmere::CatalogAbsence const absence;
     std::vector<Level> levels;
     auto const enter = [&](DOMElement* parent, IFCNode* owner) {
         // Across links the levels add up, and a host's walk over the tree may recurse.

@@ -1,0 +1,392 @@
+// Documents against the parser library alone: reading, writing, memory and walks of a process whose blocks have three
+// variables and one connector each.
+#include "flowmere/algorithms/FCNodeHelper.h"
+#include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/model/FCBlockNode.h"
+#include "flowmere/model/FCConnector.h"
+#include "flowmere/model/FCNodeFactory.h"
+#include "flowmere/model/FCPointerConverter.h"
+#include "flowmere/model/FCProcessNode.h"
+#include "flowmere/model/FCVariableData.h"
+#include "flowmere/persistence/FCReader.h"
+#include "flowmere/persistence/FCWriter.h"
+#include "flowmere/xml/XmlPlatform.h"
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+#include <unistd.h>
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/LocalFileFormatTarget.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kSmall = 10000;
+constexpr int kLarge = 100000;
+
+struct TreeEnd {
+    void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
+};
+using Tree = std::unique_ptr<IFCNode, TreeEnd>;
+
+TuString wide(std::filesystem::path const& path) {
+    return TuString(path.string().c_str());
+}
+
+// Time that the processor has spent on this program, which a busy machine does not stretch.
+double processorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+// Runs the body and gives its time.
+template <typename Body>
+double secondsOf(Body const& body) {
+    double const begin = processorSeconds();
+    body();
+    return processorSeconds() - begin;
+}
+
+// The shortest times of two sides that were run in turn: what else the machine does falls on neither.
+struct Best {
+    double ours = std::numeric_limits<double>::max();
+    double bare = std::numeric_limits<double>::max();
+};
+
+TuString numbered(wchar_t const* stem, int number) {
+    TuString text;
+    text.Format(L"%s_%05d", stem, number);
+    return text;
+}
+
+void addVariable(CFCBlockNode* block, wchar_t const* name, wchar_t const* caption, wchar_t const* type,
+                 TuString const& value) {
+    CFCVariableData* const variable = block->CreateNewVariable();
+    variable->SetVariableName(name);
+    variable->SetCaption(caption);
+    variable->SetValue(value);
+    CFCNodeHelper::SetDataTypeNode(variable, type);
+    variable->SetDataType(type);
+    variable->SetVisible(true);
+    variable->UpdateValue();
+}
+
+// A flow of blocks in a row, each with three variables, and a connector from each to the next.
+Tree makeProcess(int count) {
+    CFCNodeFactory factory;
+    Tree process(factory.Create(56));
+    process->SetNodeCaption(L"Benchmark");
+    std::vector<CFCBlockNode*> blocks;
+    for (int number = 0; number < count; ++number) {
+        CFCBlockNode* const block = CFCPointerConverter::GetBlockNode(factory.Create(57));
+        process->AppendChild(block, false);
+        block->SetNodeId(numbered(L"Step", number));
+        block->SetNodeCaption(numbered(L"Work out step", number));
+        int const column = number % 8 * 150 + 50;
+        int const row = number / 8 % 12 * 100 + 50;
+        block->SetTuRect(column, row, column + 100, row + 50);
+        block->SetToolTip(L"Works out one step of the study");
+        block->SetDescription(L"Takes the load of the step before and gives the stress of its own section.");
+        block->SetScriptName(L"Study." + numbered(L"Step", number));
+        block->SetScriptType(EScriptType_PYTHON);
+        TuString value;
+        value.Format(L"%d", number);
+        addVariable(block, L"count", L"Number of the step", L"Int", value);
+        value.Format(L"%d.25", number);
+        addVariable(block, L"load", L"Load in newton", L"Double", value);
+        addVariable(block, L"material", L"Material", L"String", L"Steel S235JR");
+        blocks.push_back(block);
+    }
+    for (int number = 0; number < count; ++number) {
+        CFCConnector* const connector = CFCPointerConverter::GetConnector(factory.Create(68));
+        connector->SetStartNode(6, blocks[static_cast<std::size_t>(number)], L"");
+        connector->SetEndNode(2, blocks[static_cast<std::size_t>((number + 1) % count)], L"");
+        process->AddConnector(connector);
+    }
+    return process;
+}
+
+// The files of the benchmarks, below an empty folder that is base path and user path too.
+class Files {
+public:
+    Files()
+        : m_folder(std::filesystem::temp_directory_path() / ("flowmere_document_bench_" + std::to_string(getpid()))) {
+        std::filesystem::create_directories(m_folder);
+        CFCEnvironment::SetBasePath(wide(m_folder));
+        CFCEnvironment::SetUserPath(wide(m_folder));
+    }
+    ~Files() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_folder, ignored);
+    }
+    Files(Files const&) = delete;
+    Files& operator=(Files const&) = delete;
+
+    // A document of that many blocks, written once.
+    std::filesystem::path document(int count) {
+        std::filesystem::path path = m_folder / ("blocks_" + std::to_string(count) + ".bpt");
+        if (!std::filesystem::exists(path)) {
+            Tree const process = makeProcess(count);
+            CFCWriter().WriteFile(wide(path), process.get(), true);
+        }
+        return path;
+    }
+    std::filesystem::path target(char const* name) const { return m_folder / name; }
+
+private:
+    std::filesystem::path m_folder;
+};
+
+Files& files() {
+    static Files instance;
+    return instance;
+}
+
+IFCNode* read(std::filesystem::path const& path) {
+    CFCNodeFactory factory;
+    CFCReader reader;
+    reader.SetNodeFactory(&factory);
+    IFCNode* node = nullptr;
+    reader.Parse(wide(path), &node, 1);
+    return node;
+}
+
+// Time of the document of kSmall blocks, for the growth to kLarge.
+double& secondsOfSmall(char const* what) {
+    static std::map<std::string, double> times;
+    return times[what];
+}
+
+void report(benchmark::State& state, char const* what, int count, Best const& best, char const* target) {
+    state.counters["ours_ms"] = best.ours * 1000.0;
+    state.counters["bare_ms"] = best.bare * 1000.0;
+    state.counters["ratio"] = best.ours / best.bare;
+    if (count == kSmall)
+        secondsOfSmall(what) = best.ours;
+    else if (secondsOfSmall(what) > 0.0)
+        state.counters["growth"] = best.ours / secondsOfSmall(what);
+    state.SetLabel(target);
+}
+
+void readAgainstBareParse(benchmark::State& state) {
+    int const count = static_cast<int>(state.range(0));
+    std::filesystem::path const path = files().document(count);
+    flowmere::XmlPlatform const platform;
+    Best best;
+    for (auto _ : state) {
+        double const bare = secondsOf([&] {
+            xercesc::XercesDOMParser parser;
+            flowmere::applyParserSettings(parser);
+            parser.parse(path.c_str());
+            benchmark::DoNotOptimize(parser.getDocument());
+        });
+        Tree tree;
+        double const ours = secondsOf([&] { tree.reset(read(path)); });
+        if (tree == nullptr) {
+            state.SkipWithError("the document was not read");
+            return;
+        }
+        best.bare = std::min(best.bare, bare);
+        best.ours = std::min(best.ours, ours);
+        state.SetIterationTime(ours);
+    }
+    report(state, "read", count, best, "ratio: at most 1.15, growth: at most 12");
+}
+
+BENCHMARK(readAgainstBareParse)->Arg(kSmall)->UseManualTime()->Iterations(15)->Unit(benchmark::kMillisecond);
+BENCHMARK(readAgainstBareParse)->Arg(kLarge)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+// A document as the calls that build it. All texts are at hand as the library takes them.
+class Recipe {
+public:
+    explicit Recipe(std::filesystem::path const& path) {
+        xercesc::XercesDOMParser parser;
+        flowmere::applyParserSettings(parser);
+        parser.parse(path.c_str());
+        add(parser.getDocument()->getDocumentElement(), 0);
+    }
+
+    void writeTo(std::filesystem::path const& path) const {
+        static constexpr XMLCh const* kFeature = u"LS";
+        xercesc::DOMImplementation* const dom = xercesc::DOMImplementationRegistry::getDOMImplementation(kFeature);
+        xercesc::DOMDocument* const document = dom->createDocument(nullptr, m_steps.front().name.c_str(), nullptr);
+        std::vector<xercesc::DOMElement*> open{document->getDocumentElement()};
+        setAttributes(open.front(), m_steps.front());
+        for (std::size_t index = 1; index < m_steps.size(); ++index) {
+            Step const& step = m_steps[index];
+            xercesc::DOMElement* const element = document->createElement(step.name.c_str());
+            open.resize(step.depth);
+            open.back()->appendChild(element);
+            setAttributes(element, step);
+            if (!step.text.empty())
+                element->appendChild(document->createTextNode(step.text.c_str()));
+            open.push_back(element);
+        }
+        xercesc::DOMLSSerializer* const serializer = dom->createLSSerializer();
+        xercesc::DOMLSOutput* const output = dom->createLSOutput();
+        serializer->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
+        {
+            xercesc::LocalFileFormatTarget target(path.c_str());
+            output->setByteStream(&target);
+            serializer->write(document, output);
+        }
+        serializer->release();
+        output->release();
+        document->release();
+    }
+
+private:
+    using Text = std::basic_string<XMLCh>;
+    struct Step {
+        std::size_t depth;
+        Text name;
+        std::vector<std::pair<Text, Text>> attributes;
+        Text text;
+    };
+
+    static void setAttributes(xercesc::DOMElement* element, Step const& step) {
+        for (auto const& [name, value] : step.attributes)
+            element->setAttribute(name.c_str(), value.c_str());
+    }
+
+    void add(xercesc::DOMElement* element, std::size_t depth) {
+        Step step{depth, element->getTagName(), {}, {}};
+        xercesc::DOMNamedNodeMap const* const attributes = element->getAttributes();
+        for (XMLSize_t index = 0; index < attributes->getLength(); ++index) {
+            xercesc::DOMNode const* const attribute = attributes->item(index);
+            step.attributes.emplace_back(attribute->getNodeName(), attribute->getNodeValue());
+        }
+        if (element->getFirstElementChild() == nullptr && element->getFirstChild() != nullptr)
+            step.text = element->getFirstChild()->getNodeValue();
+        m_steps.push_back(std::move(step));
+        for (xercesc::DOMElement* child = element->getFirstElementChild(); child != nullptr;
+             child = child->getNextElementSibling())
+            add(child, depth + 1);
+    }
+
+    std::vector<Step> m_steps;
+};
+
+bool areEqual(std::filesystem::path const& left, std::filesystem::path const& right) {
+    std::ifstream first(left, std::ios::binary);
+    std::ifstream second(right, std::ios::binary);
+    return std::equal(std::istreambuf_iterator<char>(first), std::istreambuf_iterator<char>(),
+                      std::istreambuf_iterator<char>(second), std::istreambuf_iterator<char>());
+}
+
+void writeAgainstBareCalls(benchmark::State& state) {
+    int const count = static_cast<int>(state.range(0));
+    std::filesystem::path const path = files().document(count);
+    flowmere::XmlPlatform const platform;
+    Recipe const recipe(path);
+    Tree const tree(read(path));
+    std::filesystem::path const oursPath = files().target("ours.bpt");
+    std::filesystem::path const barePath = files().target("bare.bpt");
+    Best best;
+    for (auto _ : state) {
+        best.bare = std::min(best.bare, secondsOf([&] { recipe.writeTo(barePath); }));
+        double const ours = secondsOf([&] { CFCWriter().WriteFile(wide(oursPath), tree.get(), true); });
+        best.ours = std::min(best.ours, ours);
+        state.SetIterationTime(ours);
+    }
+    if (!areEqual(oursPath, barePath)) {
+        state.SkipWithError("the two files differ");
+        return;
+    }
+    report(state, "write", count, best, "ratio: at most 1.3, growth: at most 12");
+}
+
+BENCHMARK(writeAgainstBareCalls)->Arg(kSmall)->UseManualTime()->Iterations(15)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeAgainstBareCalls)->Arg(kLarge)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+double residentBytes() {
+    std::ifstream in("/proc/self/statm");
+    double total = 0.0;
+    double resident = 0.0;
+    in >> total >> resident;
+    return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+void memoryOfABlock(benchmark::State& state) {
+    int const count = static_cast<int>(state.range(0));
+    double bytes = 0.0;
+    for (auto _ : state) {
+        // What former benchmarks left free must not hide what this one takes.
+        malloc_trim(0);
+        double const before = residentBytes();
+        Tree const process = makeProcess(count);
+        bytes = std::max(bytes, residentBytes() - before);
+    }
+    state.counters["bytes_per_block"] = bytes / count;
+    state.SetLabel("bytes_per_block: at most 10240, with three variables and one connector");
+}
+
+BENCHMARK(memoryOfABlock)->Arg(20000)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// A linked list of objects as large as a block.
+struct Plain {
+    Plain* next = nullptr;
+    char rest[sizeof(CFCBlockNode) - sizeof(Plain*)] = {};
+};
+
+int countAll(IFCNode* node) {
+    int count = 0;
+    for (IFCNode* child = node->GetChild(); child != nullptr; child = child->GetNext())
+        count += 1 + countAll(child);
+    return count;
+}
+
+void walkAgainstPlainList(benchmark::State& state) {
+    constexpr int kGroups = 100;
+    constexpr int kBlocksOfGroup = 500;
+    CFCNodeFactory factory;
+    Tree const tree(factory.Create(56));
+    for (int group = 0; group < kGroups; ++group) {
+        IFCNode* const container = factory.Create(61);
+        tree->AppendChild(container, false);
+        for (int number = 0; number < kBlocksOfGroup; ++number)
+            container->AppendChild(factory.Create(57), false);
+    }
+    int const expected = countAll(tree.get());
+    std::vector<std::unique_ptr<Plain>> list;
+    for (int number = 0; number < expected; ++number) {
+        list.push_back(std::make_unique<Plain>());
+        // As with children, the newest stands in front.
+        list.back()->next = number > 0 ? list[static_cast<std::size_t>(number - 1)].get() : nullptr;
+    }
+    Best best;
+    for (auto _ : state) {
+        int plain = 0;
+        best.bare = std::min(best.bare, secondsOf([&] {
+                                 for (Plain const* item = list.back().get(); item != nullptr; item = item->next)
+                                     ++plain;
+                                 benchmark::DoNotOptimize(plain);
+                             }));
+        int nodes = 0;
+        double const ours = secondsOf([&] {
+            nodes = countAll(tree.get());
+            benchmark::DoNotOptimize(nodes);
+        });
+        best.ours = std::min(best.ours, ours);
+        state.SetIterationTime(ours);
+        if (plain != expected || nodes != expected)
+            state.SkipWithError("a walk lost its way");
+    }
+    report(state, "walk", kSmall, best, "ratio: at most 2");
+}
+
+BENCHMARK(walkAgainstPlainList)->UseManualTime()->Iterations(50)->Unit(benchmark::kMillisecond);
+
+} // namespace
