@@ -20,6 +20,8 @@ inline void startPython() {
         return;
     for (char const* name : {"PYTHONDONTWRITEBYTECODE", "PYTHONUNBUFFERED", "PYTHONHOME", "PYTHONPATH"})
         unsetenv(name);
+    // File names are UTF-8 under the C locale too.
+    setenv("PYTHONUTF8", "1", 1);
     tpy::Py_Initialize();
 }
 
