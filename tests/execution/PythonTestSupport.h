@@ -21,7 +21,7 @@ inline void startPython() {
     for (char const* name : {"PYTHONDONTWRITEBYTECODE", "PYTHONUNBUFFERED", "PYTHONHOME", "PYTHONPATH"})
         unsetenv(name);
     // File names are UTF-8 under the C locale too.
-    setenv("PYTHONUTF8", "1", 1);
+    setenv("LC_ALL", "C.UTF-8", 1);
     tpy::Py_Initialize();
 }
 
