@@ -377,7 +377,8 @@ void Document::save(std::string const& out) const {
     CFCWriter writer;
     if (!writer.WriteFile(libraryPath(temporary.path()), m_process, true))
         fail("the document could not be built");
-    Tree const written = parse(temporary.path(), 0, nullptr);
+    // A process that links to a file is read from that file, whatever was written below it.
+    Tree const written = parse(temporary.path(), kLinkDepth, nullptr);
     if (written == nullptr)
         fail("what was written cannot be read back, the disk may be full");
     std::map<std::string, int> const found = contentsOf(*written);

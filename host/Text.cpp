@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <numeric>
+#include <unistd.h>
 #include <utility>
 
 namespace flowmere::host {
@@ -80,6 +81,19 @@ std::size_t editDistance(std::string_view left, std::string_view right, std::siz
         std::swap(above, row);
     }
     return std::min(above[right.size()], limit + 1);
+}
+
+// Goes on where a signal has come in between, which the streams of the C library take for an error.
+bool writeAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        ssize_t const written = ::write(file, text.data(), text.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
 }
 
 } // namespace
@@ -180,8 +194,12 @@ std::string jsonText(Json const& document) {
 
 void printOut(std::string_view text) {
     errno = 0;
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+    if (std::fflush(stdout) != 0 || !writeAll(STDOUT_FILENO, text))
         throw Failure("standard output", "", std::string("cannot be written: ") + std::strerror(errno));
+}
+
+void printError(std::string_view text) {
+    writeAll(STDERR_FILENO, text);
 }
 
 } // namespace flowmere::host

@@ -41,5 +41,7 @@ std::string jsonText(Json const& document);
 
 // Writes to standard output at once. Throws Failure when that does not take it.
 void printOut(std::string_view text);
+// Writes to standard error at once; what that does not take is lost.
+void printError(std::string_view text);
 
 } // namespace flowmere::host

@@ -27,7 +27,7 @@ std::string versionLine() {
 }
 
 void tell(std::string const& line) {
-    fmt::print(stderr, "{}\n", line);
+    printError(line + "\n");
 }
 
 int run(int argc, char** argv) {

@@ -94,15 +94,13 @@ public:
     void show(std::string const& path, std::size_t done) {
         if (!m_isShown)
             return;
-        fmt::print(stderr, "\r\x1b[Krunning {} ({} done)", oneLine(path), counted(done, "block"));
-        std::fflush(stderr);
+        printError(fmt::format("\r\x1b[Krunning {} ({} done)", oneLine(path), counted(done, "block")));
         m_isVisible = true;
     }
     void clear() {
         if (!m_isVisible)
             return;
-        std::fputs("\r\x1b[K", stderr);
-        std::fflush(stderr);
+        printError("\r\x1b[K");
         m_isVisible = false;
     }
 
@@ -285,6 +283,7 @@ public:
         for (std::string const& path : m_document.blockPaths())
             m_width = std::max(m_width, std::min<std::size_t>(path.size(), 40));
 
+        tellFindings();
         std::optional<OutputForPrograms> output;
         if (m_options.json)
             output.emplace();
@@ -301,6 +300,19 @@ public:
     }
 
 private:
+    // What the reader passed over may be why a run comes out other than expected.
+    void tellFindings() {
+        for (CFCReadFinding const& finding : m_document.findings()) {
+            std::string const path = pathOf(*finding.node);
+            std::string const text =
+                finding.kind == CFCReadFinding::FileNotRead
+                    ? "the linked file " + utf8(finding.first) + " is missing or cannot be read"
+                    : "a connector from " + utf8(finding.first) + " to " + utf8(finding.second) + " lacks a block";
+            printError(errorLine(m_options.file, path, text) + "\n");
+            m_report.notes.push_back(path.empty() ? text : path + ": " + text);
+        }
+    }
+
     void run() {
         Interpreter& interpreter = Interpreter::start(m_document.scriptRoots());
         interpreter.takeSignals();
@@ -376,8 +388,6 @@ private:
         m_report.undone += block.state == BlockRun::State::Undone ? 1 : 0;
         if (!m_options.json)
             printOut(blockLine(block, m_width));
-        else
-            std::fflush(stdout);
     }
 
     void history(std::string const& text) {
@@ -414,9 +424,9 @@ private:
                      (m_report.savedTo ? "saved: " + oneLine(*m_report.savedTo) + "\n" : std::string()));
         for (BlockRun const& block : m_report.blocks)
             if (block.state == BlockRun::State::Failed && block.error)
-                fmt::print(stderr, "{}\n", errorLine(m_options.file, block.path, errorText(*block.error)));
+                printError(errorLine(m_options.file, block.path, errorText(*block.error)) + "\n");
         if (m_exitCode == kExitInterrupted)
-            fmt::print(stderr, "{}\n", errorLine(m_options.file, m_report.blocks.back().path, "interrupted"));
+            printError(errorLine(m_options.file, m_report.blocks.back().path, "interrupted") + "\n");
     }
 
     Options const& m_options;

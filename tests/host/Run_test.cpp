@@ -820,6 +820,55 @@ TEST(HostileDocuments, LinkLoopsOfAnyLengthReadAsThemselves) {
     EXPECT_THAT(run.out, StartsWith("[1, 2, 3, 4]\n"));
 }
 
+// Links to other files
+
+TEST(LinkedFiles, RunAndAreSavedWithTheDocument) {
+    Study study;
+    for (std::string const name : {"A", "X", "Y"})
+        study.scriptOf(name, "pass");
+    study.folder().write("inner.xml", process(block("X") + block("Y") + connector("X", "Y")));
+    study.document(process(block("A") + subProcess("S", "<FILE_LINK FileName=\"inner.xml\"/>") + connector("A", "S")));
+    ProgramRun const run = study.run({"--json", "--save", "out.xml"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(pathsOf(jsonOf(run)), ElementsAre("A Executed", "S Executed", "S.X Executed", "S.Y Executed"));
+    std::filesystem::remove(study.path() / "inner.xml");
+    study.folder().write("p.xml", study.folder().read("out.xml"));
+    EXPECT_EQ(jsonOf(study.run({"--json"}))["executed"], 4);
+}
+
+TEST(LinkedFiles, OfANestedProcessAreSavedToo) {
+    Study study;
+    study.scriptOf("X", "pass");
+    study.folder().write("inner.xml", process(block("X")));
+    study.document(process("<PROCESS Name=\"N\" FILE=\"inner.xml\"/>"));
+    ProgramRun const run = study.run({"--json", "--save", "out.xml"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(jsonOf(run)["executed"], 2);
+    EXPECT_EQ(jsonOf(run)["saved"], "out.xml");
+}
+
+TEST(LinkedFiles, ThatAreMissingAreTold) {
+    Study study;
+    study.scriptOf("A", "pass");
+    study.document(process(block("A") + subProcess("S", "<FILE_LINK FileName=\"none.xml\"/>") + connector("A", "S") +
+                           connector("S", "Gone")));
+    ProgramRun const run = study.run({"--json"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.err, "flowmere: p.xml: S: the linked file none.xml is missing or cannot be read\n"
+                       "flowmere: p.xml: a connector from S to Gone lacks a block\n");
+    EXPECT_EQ(jsonOf(run)["notes"], json({"S: the linked file none.xml is missing or cannot be read",
+                                          "a connector from S to Gone lacks a block"}));
+}
+
+TEST(LinkedFiles, ThatLinkToThemselvesEnd) {
+    Study study;
+    study.document(process(block("Start", "", "Start", "Oval") + subProcess("S", "<FILE_LINK FileName=\"p.xml\"/>") +
+                           connector("Start", "S")));
+    ProgramRun const run = study.run();
+    EXPECT_LT(run.seconds, 20.0);
+    EXPECT_EQ(run.exitCode, 0) << run.err.substr(0, 500);
+}
+
 // Saving
 
 TEST_F(ThreeBlocks, UnwritablePlacesAreToldBeforeAnythingRuns) {
