@@ -539,8 +539,9 @@ TEST_F(DocumentRoundTrip, ApplicationComesBackAsATaskOfItsType) {
     std::string const file = textOf(tree.get());
     EXPECT_EQ(attributeIn(lineOf(file, "DIMENSION"), "Shape"), "ClientApplication");
     Tree const again = parse(file);
-    EXPECT_EQ(onlyChild(again.get())->GetNodeType(), 167);
-    EXPECT_EQ(typeid(*onlyChild(again.get())), typeid(CFCBPMTaskNode));
+    IFCNode& task = *onlyChild(again.get());
+    EXPECT_EQ(task.GetNodeType(), 167);
+    EXPECT_EQ(typeid(task), typeid(CFCBPMTaskNode));
 }
 
 TEST_F(DocumentRoundTrip, SingleBlockComesBackAsAProcessOfItsType) {
