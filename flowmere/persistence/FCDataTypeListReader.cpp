@@ -4,10 +4,14 @@
 #include "flowmere/environment/FCEnvironment.h"
 #include "flowmere/model/FCEnumTranslator.h"
 #include "flowmere/model/FCNodeFactory.h"
+#include "flowmere/persistence/ChildWalk.h"
 #include "flowmere/persistence/FCFileTypeListReader.h"
 #include "flowmere/xml/XmlElements.h"
 
 #include <xercesc/dom/DOM.hpp>
+
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -81,9 +85,17 @@ CFCDataTypeNode* CFCDataTypeListReader::GetDataTypeRootNode() {
 
 void CFCDataTypeListReader::RefreshDataTypes() {
     if (catalogRoot) {
-        catalogRoot = nullptr;
-        CFCNodeHelper::DestroyTree(catalogList);
-        catalogList = nullptr;
+        // Delete takes the first child along at each level; nobody would find the others any more.
+        std::vector<IFCNode*> left;
+        for (IFCNode* node = catalogRoot; node; node = node->GetChild()) {
+            std::vector<IFCNode*> const children = flowmere::childrenInFileOrder(node);
+            left.insert(left.end(), children.begin(), children.empty() ? children.end() : children.end() - 1);
+        }
+        std::exchange(catalogRoot, nullptr)->Delete();
+        for (IFCNode* const node : left) {
+            CFCNodeHelper::DestroyTree(node);
+        }
+        CFCNodeHelper::DestroyTree(std::exchange(catalogList, nullptr));
     }
     GetDataTypeRootNode();
 }

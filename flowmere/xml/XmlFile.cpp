@@ -32,7 +32,7 @@ struct Release {
 class FileTarget final : public xercesc::XMLFormatTarget {
 public:
     explicit FileTarget(wchar_t const* path)
-        : m_file(openFile(path, "wb")), m_buffer(std::make_unique_for_overwrite<char[]>(kSize)) {}
+        : m_buffer(std::make_unique_for_overwrite<char[]>(kSize)), m_file(openFile(path, "wb")) {}
     ~FileTarget() override {
         write();
         if (m_file) {
@@ -66,8 +66,8 @@ private:
         }
     }
 
+    std::unique_ptr<char[]> m_buffer; // may fail, so it comes before the file
     std::FILE* m_file;
-    std::unique_ptr<char[]> m_buffer;
     XMLSize_t m_used = 0;
 };
 

@@ -5,8 +5,10 @@
 
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/BinMemInputStream.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLChar.hpp>
@@ -16,8 +18,11 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 
-#include <array>
+#include <algorithm>
+#include <bitset>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace flowmere {
 
@@ -30,14 +35,23 @@ constexpr XMLSize_t kFirstBlock = 0x20000;
 constexpr XMLSize_t kLargestBlock = 0x100000;
 constexpr XMLSize_t kLargestPiece = 0x10000;
 
-// Limits of what a file may make of its bytes. The library itself counts expansions of entities in the content only.
+// Limits of what a file may make of its bytes. The library itself counts expansions of entities in the content only;
+// elsewhere it takes some 160 KB for each of them, so the memory that is taken counts them all. An ordinary document
+// takes up to 60 bytes for each of its own.
 constexpr XMLSize_t kMaxEntityExpansions = 1000;
+constexpr XMLSize_t kBytesPerEntityExpansion = 512; // of a large file, which may have more of them
 constexpr XMLSize_t kMaxEntityLength = 0x10000;
-constexpr XMLSize_t kMaxParameterEntityLength = 1024;
+// White space that nobody keeps takes no memory, so what may consist of it is kept short.
+constexpr XMLSize_t kMaxEntityLengthBesideAttributeLists = 4096;
+constexpr XMLSize_t kMaxParameterEntityLength = 8192;
+// The library looks names up in tables of a fixed size.
+constexpr XMLSize_t kMaxNames = 20000;
 constexpr XMLSize_t kMaxAttributes = 10000;
 constexpr XMLSize_t kFreeVolume = 0x1000000;
 constexpr XMLSize_t kVolumePerByte = 8;
 constexpr XMLSize_t kVolumePerAttribute = 16;
+constexpr XMLSize_t kFreeMemory = 0x10000000;
+constexpr XMLSize_t kMemoryPerByte = 512;
 
 // The file is beyond a limit. Nobody but parse sees it: the library passes it on untouched.
 struct LimitExceeded {};
@@ -57,25 +71,122 @@ public:
     LimitedExpansion() { setEntityExpansionLimit(kMaxEntityExpansions); }
 };
 
+// What the parse that runs on this thread may still take. When nothing is left, the exception comes where it does no
+// harm: at the first object that is made for an entity, or at a large block, such as a value that grows. In between the
+// library would leave behind what it has just made.
+class MemoryAllowance {
+public:
+    explicit MemoryAllowance(XMLSize_t bytes) : m_bytes(bytes) { s_current = this; }
+    ~MemoryAllowance() { s_current = nullptr; }
+    MemoryAllowance(MemoryAllowance const&) = delete;
+    MemoryAllowance& operator=(MemoryAllowance const&) = delete;
+
+    static void take(XMLSize_t bytes) {
+        MemoryAllowance* const allowance = s_current;
+        if (!allowance || allowance->m_isExceeded) {
+            return; // what clears up behind the exception gets its memory
+        }
+        allowance->m_taken += bytes;
+        if (allowance->m_taken <= allowance->m_bytes) {
+            return;
+        }
+        if (bytes == entityStreamSize() || bytes > kLargeBlock ||
+            allowance->m_taken > allowance->m_bytes + kOverdraft) {
+            allowance->m_isExceeded = true;
+            throw LimitExceeded();
+        }
+    }
+    bool isExceeded() const noexcept { return m_isExceeded; }
+
+private:
+    // With the pointer to their memory that objects of the library have in front.
+    static XMLSize_t entityStreamSize() {
+        return sizeof(xercesc::BinMemInputStream) +
+               xercesc::XMLPlatformUtils::alignPointerForNewBlockAllocation(sizeof(xercesc::MemoryManager*));
+    }
+
+    static constexpr XMLSize_t kOverdraft = 0x4000000;
+    static constexpr XMLSize_t kLargeBlock = 0x100000;
+    static thread_local MemoryAllowance* s_current;
+
+    XMLSize_t const m_bytes;
+    XMLSize_t m_taken = 0;
+    bool m_isExceeded = false;
+};
+
+thread_local MemoryAllowance* MemoryAllowance::s_current = nullptr;
+
+// The library's own memory, counted while a file is parsed. Documents keep a pointer to it.
+class CountedMemory final : public xercesc::MemoryManager {
+public:
+    void* allocate(XMLSize_t size) override {
+        MemoryAllowance::take(size);
+        return xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size);
+    }
+    void deallocate(void* block) override { xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(block); }
+    xercesc::MemoryManager* getExceptionMemoryManager() override {
+        return xercesc::XMLPlatformUtils::fgMemoryManager->getExceptionMemoryManager();
+    }
+};
+
+xercesc::MemoryManager* countedMemory() {
+    static Immortal<CountedMemory> memory;
+    return &*memory;
+}
+
+// How many different names there are, roughly: a few that meet in one place count once.
+class NameCount {
+public:
+    // False when there are too many.
+    bool add(XMLCh const* name) {
+        std::uint32_t hash = 2166136261U;
+        for (; *name != 0; ++name) {
+            hash = (hash ^ *name) * 16777619U;
+        }
+        std::size_t const place = (hash ^ (hash >> 16)) % m_met.size();
+        if (!m_met[place]) {
+            m_met[place] = true;
+            ++m_count;
+        }
+        return m_count <= kMaxNames;
+    }
+
+private:
+    std::bitset<0x10000> m_met;
+    XMLSize_t m_count = 0;
+};
+
 class HardenedParser final : public xercesc::XercesDOMParser {
 public:
     HardenedParser(XMLSize_t fileSize, Indentation indentation)
-        : m_volume(kFreeVolume + kVolumePerByte * fileSize), m_dropsIndentation(indentation == Indentation::Drop) {}
+        : XercesDOMParser(nullptr, countedMemory()), m_volume(kFreeVolume + kVolumePerByte * fileSize),
+          m_gathersIndentation(indentation == Indentation::Gather) {}
 
     void startElement(xercesc::XMLElementDecl const& element, unsigned int const uri, XMLCh const* const prefix,
                       xercesc::RefVectorOf<xercesc::XMLAttr> const& attributes, XMLSize_t const attributeCount,
                       bool const isEmpty, bool const isRoot) override {
-        if (++m_depth > kMaxElementDepth || attributeCount > kMaxAttributes) {
+        if (++m_depth > kMaxElementDepth || attributeCount > kMaxAttributes || !m_names.add(element.getFullName())) {
             throw LimitExceeded();
         }
-        m_indentation.clear();
-        m_hasText[static_cast<std::size_t>(m_depth)] = false;
-        m_isLeaf = true;
+        for (XMLSize_t i = 0; i < attributeCount; ++i) {
+            if (!m_names.add(attributes.elementAt(i)->getName())) {
+                throw LimitExceeded();
+            }
+        }
+        if (static_cast<std::size_t>(m_depth) == m_levels.size()) {
+            m_levels.emplace_back();
+        }
+        Level& level = m_levels[static_cast<std::size_t>(m_depth)];
+        level.indentation.clear();
+        level.hasText = false;
         if (m_hasDoctype) {
-            // Default values are looked for one by one, so the work for an element grows with the square.
-            spend(attributeCount * (kVolumePerAttribute + attributeCount / 2));
             for (XMLSize_t i = 0; i < attributeCount; ++i) {
-                spend(xercesc::XMLString::stringLen(attributes.elementAt(i)->getValue()));
+                xercesc::XMLAttr const& attribute = *attributes.elementAt(i);
+                spend(xercesc::XMLString::stringLen(attribute.getValue()));
+                if (!attribute.getSpecified()) {
+                    // Default values are looked for one by one, so the work for an element grows with the square.
+                    spend(kVolumePerAttribute + attributeCount / 2);
+                }
             }
         }
         XercesDOMParser::startElement(element, uri, prefix, attributes, attributeCount, isEmpty, isRoot);
@@ -84,11 +195,7 @@ public:
     // Also called for an empty element, by the base's startElement.
     void endElement(xercesc::XMLElementDecl const& element, unsigned int const uri, bool const isRoot,
                     XMLCh const* const prefix) override {
-        if (m_isLeaf) {
-            flushWhiteSpace();
-        }
-        m_indentation.clear();
-        m_isLeaf = false;
+        flushIndentation(m_levels[static_cast<std::size_t>(m_depth)]);
         --m_depth;
         XercesDOMParser::endElement(element, uri, isRoot, prefix);
     }
@@ -97,30 +204,16 @@ public:
         if (m_hasDoctype) {
             spend(length);
         }
-        if (!m_dropsIndentation) {
-            XercesDOMParser::docCharacters(characters, length, isCData);
-            return;
-        }
-        bool& hasText = m_hasText[static_cast<std::size_t>(m_depth)];
-        if (!hasText) {
+        Level& level = m_levels[static_cast<std::size_t>(m_depth)];
+        if (m_gathersIndentation && !level.hasText) {
             if (!isCData && xercesc::XMLChar1_0::isAllSpaces(characters, length)) {
-                m_indentation.append(characters, length);
+                level.indentation.append(characters, length);
                 return;
             }
-            hasText = true;
-            flushWhiteSpace();
+            level.hasText = true;
+            flushIndentation(level);
         }
         XercesDOMParser::docCharacters(characters, length, isCData);
-    }
-
-    void docComment(XMLCh const* const text) override {
-        flushWhiteSpace();
-        XercesDOMParser::docComment(text);
-    }
-
-    void docPI(XMLCh const* const target, XMLCh const* const data) override {
-        flushWhiteSpace();
-        XercesDOMParser::docPI(target, data);
     }
 
     // Without a document type a file holds no more than its own bytes, and the volume needs no counting.
@@ -133,23 +226,18 @@ public:
     void entityDecl(xercesc::DTDEntityDecl const& entity, bool const isParameter, bool const isIgnored) override {
         if (XMLCh const* const value = entity.getValue()) {
             XMLSize_t const length = xercesc::XMLString::stringLen(value);
-            // One that expands others doubles the work with each step, and nobody counts the steps.
-            if (isParameter && (length > kMaxParameterEntityLength || contains(value, u'%'))) {
+            if (length > (isParameter ? kMaxParameterEntityLength : kMaxEntityLength)) {
                 throw LimitExceeded();
             }
-            if (length > kMaxEntityLength) {
-                throw LimitExceeded();
-            }
-            m_hasNestedEntities = m_hasNestedEntities || (!isParameter && contains(value, u'&'));
+            m_longestEntity = std::max(m_longestEntity, length);
+            checkAttributeLists();
         }
         XercesDOMParser::entityDecl(entity, isParameter, isIgnored);
     }
 
-    // Default values of attributes expand entities without a limit, so they may use none that expand others.
     void startAttList(xercesc::DTDElementDecl const& element) override {
-        if (m_hasNestedEntities) {
-            throw LimitExceeded();
-        }
+        m_hasAttributeLists = true;
+        checkAttributeLists();
         XercesDOMParser::startAttList(element);
     }
 
@@ -160,9 +248,11 @@ public:
     }
 
 private:
-    static bool contains(XMLCh const* text, char16_t c) {
-        return xercesc::XMLString::indexOf(text, static_cast<XMLCh>(c)) != -1;
-    }
+    // An open element.
+    struct Level {
+        std::basic_string<XMLCh> indentation; // white space met so far, while there is no other text
+        bool hasText = false;
+    };
 
     void spend(XMLSize_t amount) {
         if (amount > m_volume) {
@@ -171,23 +261,27 @@ private:
         m_volume -= amount;
     }
 
-    // White space that is waiting turned out to be content.
-    void flushWhiteSpace() {
-        if (!m_indentation.empty()) {
-            XercesDOMParser::docCharacters(m_indentation.data(), m_indentation.size(), false);
-            m_indentation.clear();
+    void checkAttributeLists() const {
+        if (m_hasAttributeLists && m_longestEntity > kMaxEntityLengthBesideAttributeLists) {
+            throw LimitExceeded();
+        }
+    }
+
+    void flushIndentation(Level& level) {
+        if (!level.indentation.empty()) {
+            XercesDOMParser::docCharacters(level.indentation.data(), level.indentation.size(), false);
+            level.indentation.clear();
         }
     }
 
     int m_depth = 0;
     XMLSize_t m_volume; // characters that may still come
+    NameCount m_names;
+    XMLSize_t m_longestEntity = 0;
     bool m_hasDoctype = false;
-    bool m_hasNestedEntities = false;
-
-    bool const m_dropsIndentation;
-    std::basic_string<XMLCh> m_indentation;             // white space since the last tag
-    std::array<bool, kMaxElementDepth + 1> m_hasText{}; // the open element at each depth has text of its own
-    bool m_isLeaf = false;                              // the last tag was a start
+    bool m_hasAttributeLists = false;
+    bool const m_gathersIndentation;
+    std::vector<Level> m_levels{1}; // by depth; those of closed elements stay for the next
 };
 
 // The use that is never given back.
@@ -238,15 +332,19 @@ void applyParserSettings(xercesc::XercesDOMParser& parser) {
 
 XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation) noexcept {
     try {
+        MemoryAllowance const allowance(kFreeMemory + kMemoryPerByte * bytes.size());
+        xercesc::SecurityManager expansion;
+        expansion.setEntityExpansionLimit(std::max(kMaxEntityExpansions, bytes.size() / kBytesPerEntityExpansion));
         HardenedParser parser(bytes.size(), indentation);
         applyParserSettings(parser);
+        parser.setSecurityManager(&expansion);
         xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(bytes.empty() ? "" : bytes.data()),
                                           bytes.size(), "file");
         source.setCopyBufToStream(false);
         parser.parse(source);
         // A malformed file throws nothing here and leaves a part of a tree, so the errors decide.
         XmlDocumentPointer document(parser.adoptDocument());
-        if (parser.getErrorCount() != 0 || !document || !document->getDocumentElement()) {
+        if (parser.getErrorCount() != 0 || allowance.isExceeded() || !document || !document->getDocumentElement()) {
             return nullptr;
         }
         return document;

@@ -39,18 +39,20 @@ public:
     XmlDocumentPointer document;
 };
 
-// What becomes of the white space between elements. A document that is only read does without: half of its nodes would
-// be indentation. White space that is the whole content of an element, or stands beside text, always stays.
-enum class Indentation { Drop, Keep };
+// What becomes of the white space between elements. Half of a document's nodes would be indentation, so one that is
+// only read has that of each element gathered in a single text node behind its children. The element's own text, its
+// text nodes joined, is the same either way.
+enum class Indentation { Gather, Keep };
 
 // Parse with the hardened parser: no external entities, no document type loading, limited entity expansion, depth and
 // text volume; errors are collected and never printed. Null for anything but a well-formed document within the limits.
 // Nothing is thrown. The library must be up.
-XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation = Indentation::Drop) noexcept;
-XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation = Indentation::Drop) noexcept;
+XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation = Indentation::Gather) noexcept;
+XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation = Indentation::Gather) noexcept;
 
-// The settings of that parser on a plain one, which then lacks the limits on depth and volume and keeps all white
-// space. The parser keeps pointers to objects that live as long as the library.
+// The settings of that parser on a plain one, which then lacks the limits on depth, volume and memory, takes no more
+// entities for a large file and keeps all white space. The parser keeps pointers to objects that live as long as the
+// library.
 void applyParserSettings(XERCES_CPP_NAMESPACE::XercesDOMParser& parser);
 
 } // namespace flowmere

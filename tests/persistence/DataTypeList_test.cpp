@@ -3,14 +3,17 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCNodeFactory.h"
+#include "flowmere/model/FCNodeManager.h"
 #include "flowmere/persistence/FCDataTypeListReader.h"
 #include "flowmere/persistence/FCDataTypeListWriter.h"
 #include "flowmere/xml/XmlElements.h"
 
 #include <xercesc/dom/DOM.hpp>
 
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -328,6 +331,71 @@ TEST_F(DataTypes, RefreshDropsTheCatalogAndLoadsAgain) {
     EXPECT_EQ(nullptr, CFCDataTypeListReader::GetDataTypeRootNode());
 }
 
+TEST_F(DataTypes, RefreshLeavesNothingOfTheFormerCatalog) {
+    CFCEnvironment::SetBasePath(scratch.text());
+    scratch.write("DataTypes.xml", "<D><GROUP Name='other'><DATATYPE/></GROUP><GROUP Name='root'>"
+                                   "<SUB_GROUP Name='s'><DATATYPE/><DATATYPE/></SUB_GROUP><DATATYPE Name='last'/>"
+                                   "<GROUP><DATATYPE/><DATATYPE/></GROUP></GROUP></D>");
+    CFCDataTypeListReader::RefreshDataTypes();
+    CFCDataTypeNode* const root = CFCDataTypeListReader::GetDataTypeRootNode();
+    ASSERT_NE(nullptr, root);
+    std::vector<int> handles;
+    std::vector<IFCNode*> open{root->GetParentNode()};
+    while (!open.empty()) {
+        IFCNode* const node = open.back();
+        open.pop_back();
+        handles.push_back(node->GetNodeHandle());
+        for (IFCNode* child = node->GetChild(); child; child = child->GetNext()) {
+            open.push_back(child);
+        }
+    }
+    ASSERT_EQ(11U, handles.size());
+    std::filesystem::remove(scratch / "DataTypes.xml");
+    CFCDataTypeListReader::RefreshDataTypes();
+    for (int const handle : handles) {
+        EXPECT_EQ(nullptr, CFCNodeManager::GetNode(handle)) << handle;
+    }
+}
+
+TEST_F(DataTypes, RefreshAsksTheNodesToDeleteThemselves) {
+    struct HostNode : CFCDataTypeNode {
+        explicit HostNode(int& count) : deleted(count) {}
+        void Delete() override {
+            ++deleted;
+            CFCDataTypeNode::Delete();
+        }
+        int& deleted;
+    };
+    CFCEnvironment::SetBasePath(scratch.text());
+    scratch.write("DataTypes.xml", "<D><GROUP Name='root'><DATATYPE/></GROUP></D>");
+    CFCDataTypeListReader::RefreshDataTypes();
+    CFCDataTypeNode* const root = CFCDataTypeListReader::GetDataTypeRootNode();
+    ASSERT_NE(nullptr, root);
+    int deleted = 0;
+    root->AppendChild(std::make_unique<HostNode>(deleted).release(), false);
+    CFCDataTypeListReader::RefreshDataTypes();
+    EXPECT_EQ(1, deleted) << "the first child of the root";
+    EXPECT_EQ("80: ", children(CFCDataTypeListReader::GetDataTypeRootNode()));
+}
+
+TEST_F(DataTypes, RefreshLeavesTheCatalogOfTheBindingAlone) {
+    CFCEnvironment::SetBasePath(scratch.text());
+    scratch.write("DataTypes.xml", "<D><DATATYPE Name='i' Type='Int'/><DATATYPE Name='l' Type='Last'/></D>");
+    // The catalog of the binding is read once in a process.
+    EXPECT_EXIT(
+        {
+            IFCNode* const bound = CFCNodeHelper::GetDataTypeNode(L"Int");
+            scratch.write("DataTypes.xml", "<D><DATATYPE Name='n' Type='New'/></D>");
+            CFCDataTypeListReader::RefreshDataTypes();
+            EXPECT_NE(nullptr, bound);
+            EXPECT_EQ(bound, CFCNodeHelper::GetDataTypeNode(L"Int"));
+            EXPECT_EQ(nullptr, CFCNodeHelper::GetDataTypeNode(L"New"));
+            EXPECT_STREQ(L"n", CFCDataTypeListReader::GetDataTypeRootNode()->GetNodeCaption());
+            std::_Exit(HasFailure() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 // --- Writing ---
 
 TEST_F(DataTypes, AWrittenCatalog) {
@@ -455,6 +523,38 @@ TEST_F(DataTypes, WriteFileNeedsAPathAndANode) {
     EXPECT_FALSE(std::filesystem::exists(scratch / "out.xml"));
     EXPECT_TRUE(writer.WriteFile(scratch.text("missing/out.xml"), list.get(), true));
     EXPECT_FALSE(std::filesystem::exists(scratch / "missing"));
+}
+
+TEST_F(DataTypes, WriteFileKeepsItsArgumentsAlsoWhenItRefuses) {
+    struct Open : CFCDataTypeListWriter {
+        std::string kept() const {
+            return narrow(m_strFilePath) + (m_bDeep ? " deep " : " flat ") + narrow(m_strRootName);
+        }
+    } writer;
+    EXPECT_EQ(" flat DataTypes", writer.kept());
+    EXPECT_FALSE(writer.WriteFile(L"somewhere.xml", nullptr, true));
+    EXPECT_EQ("somewhere.xml deep DataTypes", writer.kept());
+    EXPECT_FALSE(writer.WriteFile(L"", newList().get(), false));
+    EXPECT_EQ(" flat DataTypes", writer.kept());
+}
+
+TEST_F(DataTypes, AnExceptionInAStepLeavesTheFileAlone) {
+    struct Throwing : CFCDataTypeListWriter {
+        void WriteProperties(CFCDataTypeNode* node, xercesc::DOMNode* element) override {
+            if (fails && node->GetParentNode()) {
+                throw std::runtime_error("no");
+            }
+            CFCDataTypeListWriter::WriteProperties(node, element);
+        }
+        bool fails = true;
+    } writer;
+    auto const list = parse("<D><GROUP Name='g'/></D>");
+    scratch.write("out.xml", "former");
+    EXPECT_TRUE(writer.WriteFile(scratch.text("out.xml"), list.get(), true));
+    EXPECT_EQ("former", scratch.read("out.xml"));
+    writer.fails = false;
+    EXPECT_TRUE(writer.WriteFile(scratch.text("out.xml"), list.get(), true));
+    EXPECT_EQ(write(list.get()), scratch.read("out.xml"));
 }
 
 TEST_F(DataTypes, OverridesTakeEffectAtEveryLevel) {

@@ -91,9 +91,10 @@ TEST_F(FileTypes, OtherElementsAreSkipped) {
     EXPECT_EQ(nullptr, find(L"inner"));
 }
 
-TEST_F(FileTypes, ANewNodeHasTheIdOfTheList) {
+TEST_F(FileTypes, NewAndKnownNodesHaveTheIdOfTheList) {
     struct Named : CFCDataTypeNode {
-        wchar_t const* GetNodeId() override { return L"list-id"; }
+        wchar_t const* GetNodeId() override { return id; }
+        wchar_t const* id = L"list-id";
     };
     Tree<Named> const named(new Named);
     named->SetNodeType(81);
@@ -101,7 +102,12 @@ TEST_F(FileTypes, ANewNodeHasTheIdOfTheList) {
     CFCFileTypeListReader reader;
     reader.SetNodeFactory(&factory);
     ASSERT_TRUE(reader.Parse(scratch.text("types.xml"), named.get()));
-    EXPECT_STREQ(L"list-id", named->GetChild()->GetNodeId());
+    IFCNode* const node = named->GetChild();
+    EXPECT_STREQ(L"list-id", node->GetNodeId());
+    named->id = L"other-id";
+    ASSERT_TRUE(reader.Parse(scratch.text("types.xml"), named.get()));
+    EXPECT_EQ(node, named->GetChild());
+    EXPECT_STREQ(L"other-id", node->GetNodeId());
 }
 
 TEST_F(FileTypes, ASecondFileOverridesByNameAndKeepsThePlace) {
@@ -293,6 +299,51 @@ TEST_F(FileTypes, WriteFileNeedsAPathAndANode) {
     EXPECT_FALSE(std::filesystem::exists(scratch / "out.xml"));
     EXPECT_TRUE(writer.WriteFile(scratch.text("missing/out.xml"), list.get(), true));
     EXPECT_FALSE(std::filesystem::exists(scratch / "missing"));
+}
+
+TEST_F(FileTypes, WriteFileKeepsItsArgumentsAlsoWhenItRefuses) {
+    struct Open : CFCFileTypeListWriter {
+        std::string kept() const {
+            return narrow(m_strFilePath) + (m_bDeep ? " deep " : " flat ") + narrow(m_strRootName);
+        }
+    } writer;
+    EXPECT_EQ(" flat FILETYPES", writer.kept());
+    EXPECT_FALSE(writer.WriteFile(L"somewhere.xml", nullptr, true));
+    EXPECT_EQ("somewhere.xml deep FILETYPES", writer.kept());
+    EXPECT_FALSE(writer.WriteFile(L"", list.get(), false));
+    EXPECT_EQ(" flat FILETYPES", writer.kept());
+}
+
+TEST_F(FileTypes, OverridesTakeEffectAtEveryLevel) {
+    struct Counting : CFCFileTypeListWriter {
+        void WriteChildren(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element) override {
+            ++children;
+            CFCFileTypeListWriter::WriteChildren(node, element);
+        }
+        void WriteProperties(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element) override {
+            ++properties;
+            CFCFileTypeListWriter::WriteProperties(node, element);
+        }
+        void WriteObject(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* parent,
+                         XERCES_CPP_NAMESPACE::DOMNode* self) override {
+            ++objects;
+            CFCFileTypeListWriter::WriteObject(node, parent, self);
+        }
+        bool GetObjectType(IFCNode* node, TuString& out) override {
+            ++types;
+            return CFCFileTypeListWriter::GetObjectType(node, out);
+        }
+        int children = 0;
+        int properties = 0;
+        int objects = 0;
+        int types = 0;
+    } writer;
+    ASSERT_TRUE(parse("<F><FILETYPE name='a'/><FILETYPE name='b'/></F>"));
+    EXPECT_TRUE(writer.WriteFile(scratch.text("out.xml"), list.get(), true));
+    EXPECT_EQ(1, writer.children);
+    EXPECT_EQ(2, writer.properties);
+    EXPECT_EQ(3, writer.objects);
+    EXPECT_EQ(3, writer.types);
 }
 
 TEST_F(FileTypes, TheStepsOfTheWriterTakeNulls) {

@@ -171,6 +171,58 @@ TEST_F(HardenedParser, TakesModestEntities) {
     EXPECT_EQ(3000U, textOf("<r>" + repeat("&amp;&#65;&lt;", 1000) + "</r>").size());
 }
 
+TEST_F(HardenedParser, TakesOrdinaryDocumentTypes) {
+    struct Row {
+        std::string xml;
+        char const* text;
+    };
+    for (
+        Row const& row :
+        {Row{"<!DOCTYPE r [<!ENTITY lt '&#38;#60;'><!ENTITY amp '&#38;#38;'><!ATTLIST r a CDATA 'v'>]><r>&lt;&amp;</r>",
+             "<&"},
+         Row{"<!DOCTYPE r [<!ENTITY t 'a &amp; b'><!ATTLIST r a CDATA '&t;'>]><r>&t;</r>", "a & b"},
+         Row{"<!DOCTYPE r [<!ENTITY a 'x'><!ENTITY b '&a;&a;'><!ATTLIST r a CDATA '&b;'>]><r>&b;</r>", "xx"},
+         Row{"<!DOCTYPE r [<!ENTITY % p '<!ELEMENT a (b)>" + std::string(2000, ' ') + "'>%p;]><r>x</r>", "x"},
+         Row{"<!DOCTYPE r [<!ENTITY % a '<!ENTITY c \"v\">'><!ENTITY % b '&#37;a;'>%b;]><r>&c;</r>", "v"},
+         Row{"<!DOCTYPE r [<!ENTITY co 'Company'><!ENTITY pr 'Project'><!ELEMENT r ANY>"
+             "<!ATTLIST r id ID #IMPLIED n NMTOKENS 'a b'>]><r id='x'>&co; &pr;</r>",
+             "Company Project"}}) {
+        EXPECT_EQ(row.text, textOf(row.xml)) << row.xml;
+    }
+}
+
+TEST_F(HardenedParser, TakesReferencesAllOverALargeFile) {
+    std::string const block = "<b a='&co; " + std::string(600, 'x') + "'/>";
+    EXPECT_TRUE(parseXmlBytes("<!DOCTYPE r [<!ENTITY co 'Company'>]><r>" + repeat(block, 5000) + "</r>"));
+}
+
+TEST_F(HardenedParser, TakesElementsOfManyAttributesBesideADoctype) {
+    std::string element = "<e";
+    for (int i = 0; i < 300; ++i) {
+        element += " a" + std::to_string(i) + "=''";
+    }
+    EXPECT_TRUE(parseXmlBytes("<!DOCTYPE r [<!ENTITY co 'Company'>]><r>" + repeat(element + "/>", 1500) + "</r>"));
+}
+
+TEST_F(HardenedParser, TakesTextsOfTenMegabytes) {
+    constexpr std::size_t kLength = 10 * 1024 * 1024;
+    std::string const text(kLength, 't');
+    auto const lengthOf = [](XmlDocumentPointer const& document) {
+        TuString own;
+        return document && flowmere::ownText(document->getDocumentElement(), own) ? own.View().size() : 0;
+    };
+    for (std::string const doctype : {"", "<!DOCTYPE r [<!ENTITY co 'Company'>]>"}) {
+        EXPECT_EQ(kLength, lengthOf(parseXmlBytes(doctype + "<r>" + text + "</r>"))) << doctype;
+        EXPECT_EQ(kLength, lengthOf(parseXmlBytes(doctype + "<r><![CDATA[" + text + "]]></r>"))) << doctype;
+        XmlDocumentPointer const document = parseXmlBytes(doctype + "<r a='" + text + "'/>");
+        ASSERT_TRUE(document) << doctype;
+        EXPECT_EQ(kLength, flowmere::xmlView(flowmere::attributeOf(document->getDocumentElement(), u"a")).size())
+            << doctype;
+    }
+    std::string const lines = repeat("a line\n", 1500000);
+    EXPECT_EQ(lines.size(), lengthOf(parseXmlBytes("<r>" + lines + "</r>")));
+}
+
 TEST_F(HardenedParser, RefusesEntityBombs) {
     std::string nested = "<!DOCTYPE r [<!ENTITY e0 'lol'>";
     for (int i = 1; i < 30; ++i) {
@@ -218,6 +270,47 @@ TEST_F(HardenedParser, RefusesMultipliedDefaultValues) {
     EXPECT_TRUE(refusedAtOnce(defaults + ">]><r/>"));
 }
 
+TEST_F(HardenedParser, RefusesBombsInDefaultValues) {
+    auto const withDefault = [](std::string const& entities, std::string const& type, std::string const& value) {
+        return "<!DOCTYPE r [" + entities + "<!ATTLIST r a " + type + " '" + value + "'>]><r/>";
+    };
+    std::string const entity = "<!ENTITY e '" + std::string(4000, 'x') + "'>";
+    EXPECT_TRUE(refusedAtOnce(withDefault(entity, "CDATA", repeat("&e;", 300000))));
+    std::string const blank = "<!ENTITY e '" + std::string(4000, ' ') + "'>";
+    EXPECT_TRUE(refusedAtOnce(withDefault(blank, "NMTOKENS", repeat("&e;", 300000))));
+    std::string const large = "<!ENTITY e '" + std::string(60000, ' ') + "'>";
+    EXPECT_TRUE(refusedAtOnce(withDefault(large, "NMTOKENS", "&e;")));
+    EXPECT_TRUE(refusedAtOnce("<!DOCTYPE r [<!ATTLIST r a NMTOKENS 'x'>" + large + "]><r a='&e;'/>"));
+    std::string nothing = "<!ENTITY e0 ''>";
+    for (int i = 1; i < 40; ++i) {
+        std::string const inner = "&e" + std::to_string(i - 1) + ";";
+        nothing += "<!ENTITY e" + std::to_string(i) + " '" + inner + inner + "'>";
+    }
+    EXPECT_TRUE(refusedAtOnce(withDefault(nothing, "CDATA", "&e39;")));
+    EXPECT_TRUE(parseXmlBytes("<r/>")) << "the next file is none the worse for it";
+}
+
+TEST_F(HardenedParser, RefusesTooManyDifferentNames) {
+    auto const elements = [](int count) {
+        std::string xml = "<r>";
+        for (int i = 0; i < count; ++i) {
+            xml += "<a" + std::to_string(i) + "/>";
+        }
+        return xml + "</r>";
+    };
+    auto const attributes = [](int count) {
+        std::string xml = "<r>";
+        for (int i = 0; i < count; ++i) {
+            xml += "<a b" + std::to_string(i) + "=''/>";
+        }
+        return xml + "</r>";
+    };
+    EXPECT_TRUE(parseXmlBytes(elements(10000)));
+    EXPECT_TRUE(parseXmlBytes(attributes(10000)));
+    EXPECT_TRUE(refusedAtOnce(elements(300000)));
+    EXPECT_TRUE(refusedAtOnce(attributes(300000)));
+}
+
 TEST_F(HardenedParser, RefusesElementsWithTooManyAttributes) {
     auto const withAttributes = [](int count) {
         std::string xml = "<r";
@@ -240,13 +333,42 @@ TEST_F(HardenedParser, TakesLargeFilesOfManyReferences) {
 
 // --- White space ---
 
-TEST_F(HardenedParser, DropsTheIndentationOfElements) {
+TEST_F(HardenedParser, GathersTheIndentationOfElements) {
     XmlDocumentPointer const document = parseXmlBytes("<r>\n  <a>\n    <b/>\n  </a>\n  <c></c>\n</r>\n");
     ASSERT_TRUE(document);
-    xercesc::DOMElement* const a = flowmere::firstElement(document->getDocumentElement());
-    EXPECT_EQ(a, document->getDocumentElement()->getFirstChild());
-    EXPECT_EQ(flowmere::firstElement(a), a->getLastChild());
-    EXPECT_EQ(flowmere::nextElement(a), document->getDocumentElement()->getLastChild());
+    xercesc::DOMElement* const root = document->getDocumentElement();
+    xercesc::DOMElement* const a = flowmere::firstElement(root);
+    xercesc::DOMElement* const c = flowmere::nextElement(a);
+    EXPECT_EQ(a, root->getFirstChild());
+    EXPECT_EQ(c, a->getNextSibling());
+    EXPECT_EQ(root->getLastChild(), c->getNextSibling()) << "one node for all of it";
+    EXPECT_TRUE(flowmere::equals(root->getLastChild()->getNodeValue(), u"\n  \n  \n"));
+    EXPECT_EQ(a->getLastChild(), flowmere::firstElement(a)->getNextSibling());
+    EXPECT_TRUE(flowmere::equals(a->getLastChild()->getNodeValue(), u"\n    \n  "));
+    EXPECT_EQ(nullptr, c->getFirstChild());
+}
+
+TEST_F(HardenedParser, OwnTextsAreThoseOfAPlainDocument) {
+    for (char const* xml :
+         {"<r>\n <a/>\n <b>x</b>\n</r>", "<r> <o/> x</r>", "<r> <o/> <o/> x <o/> y </r>", "<r>\n<o/>&amp;\n</r>",
+          "<r> <o/> <![CDATA[c]]> </r>", "<r> <!-- c --> <o/> <?p i?> </r>", "<r> <o> <p/> z </o> <o> </o> </r>",
+          "<r><o/></r>", "<r> <o/><o/></r>", "<!DOCTYPE r [<!ENTITY s ' '>]><r>&s;<o/>&s;x</r>",
+          "<!DOCTYPE r [<!ENTITY m ' <o> </o> t'>]><r> &m; </r>", "<!DOCTYPE r [<!ELEMENT r (o)*>]><r> <o/> </r>"}) {
+        XmlDocumentPointer const plain = parseXmlBytes(xml, flowmere::Indentation::Keep);
+        XmlDocumentPointer const gathered = parseXmlBytes(xml);
+        ASSERT_TRUE(plain && gathered) << xml;
+        // All elements in document order.
+        auto* const left = plain->getElementsByTagName(flowmere::XmlName(u"*").dom());
+        auto* const right = gathered->getElementsByTagName(flowmere::XmlName(u"*").dom());
+        ASSERT_EQ(left->getLength(), right->getLength()) << xml;
+        for (XMLSize_t i = 0; i < left->getLength(); ++i) {
+            TuString expected(L"none");
+            TuString text(L"none");
+            flowmere::ownText(static_cast<xercesc::DOMElement*>(left->item(i)), expected);
+            flowmere::ownText(static_cast<xercesc::DOMElement*>(right->item(i)), text);
+            EXPECT_EQ(expected, text) << xml;
+        }
+    }
 }
 
 TEST_F(HardenedParser, KeepsWhiteSpaceThatIsContent) {
@@ -270,17 +392,6 @@ TEST_F(HardenedParser, KeepsAllWhiteSpaceWhenAsked) {
     TuString text;
     EXPECT_TRUE(flowmere::ownText(document->getDocumentElement(), text));
     EXPECT_STREQ(L"\n  \n", text);
-}
-
-TEST_F(HardenedParser, WhiteSpaceBetweenElementsIsNoText) {
-    XmlDocumentPointer const document = parseXmlBytes("<r>\n  <a> </a>\n  <b>x</b>\n</r>");
-    ASSERT_TRUE(document);
-    xercesc::DOMElement* const root = document->getDocumentElement();
-    TuString text(L"default");
-    EXPECT_FALSE(flowmere::ownText(root, text));
-    EXPECT_STREQ(L"default", text);
-    EXPECT_TRUE(flowmere::ownText(flowmere::firstElement(root), text));
-    EXPECT_STREQ(L" ", text);
 }
 
 // --- The same settings on a plain parser ---
