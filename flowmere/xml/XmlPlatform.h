@@ -44,9 +44,9 @@ public:
 // text nodes joined, is the same either way.
 enum class Indentation { Gather, Keep };
 
-// Parse with the hardened parser: no external entities, no document type loading, limited entity expansion, depth and
-// text volume; errors are collected and never printed. Null for anything but a well-formed document within the limits.
-// Nothing is thrown. The library must be up.
+// Parse with the hardened parser: no external entities, no document type loading, limits on entity expansion, depth,
+// text volume, memory and the number of different names; errors are collected and never printed. Null for anything but
+// a well-formed document within the limits. Nothing is thrown. The library must be up.
 XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation = Indentation::Gather) noexcept;
 XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation = Indentation::Gather) noexcept;
 
