@@ -7,10 +7,9 @@
 
 #include <chrono>
 #include <cstdarg>
+#include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <string>
-#include <system_error>
 #include <thread>
 
 // The header turns these names into macros, which would rewrite the definitions below.
@@ -233,8 +232,8 @@ void removeCachedBytecode(PyObject* module) {
     // Without source the compiled form is the module itself.
     if (cached.empty() || cached == textAttribute(module, "__file__"))
         return;
-    std::error_code ignored;
-    std::filesystem::remove(cached, ignored);
+    // Most often there is none, and a tick pays for each try.
+    std::remove(cached.c_str());
 }
 
 void sleepWithoutLock() {
