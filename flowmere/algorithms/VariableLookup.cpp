@@ -7,6 +7,7 @@
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/model/FCVariableList.h"
 
+#include <optional>
 #include <vector>
 
 namespace {
@@ -60,6 +61,33 @@ namespace {
 
 flowmere::LinkEnds* innermostLinkEnds = nullptr;
 
+// Follows the links from a path to the variable where they end; null for a circle or a path that leads nowhere.
+// `known` is asked at each path on the way, and may give the end (or that there is none) to stop there.
+template <typename Known>
+CFCVariableData* followLinks(wchar_t const* path, IFCNode* root, Known const& known) {
+    TuString current(path);
+    flowmere::CircleGuard<CFCVariableData> guard;
+    CFCVariableData* variable = CFCNodeHelper::FindVariable(current, root);
+    while (true) {
+        if (std::optional<CFCVariableData*> const end = known(current)) {
+            return *end;
+        }
+        if (variable == nullptr || !variable->IsLinked()) {
+            return variable;
+        }
+        TuString next(variable->GetLinkPath());
+        if (next == current || guard.closes(variable)) {
+            return nullptr;
+        }
+        variable = CFCNodeHelper::FindVariable(next, root);
+        // Two variables that link to each other; longer circles come back to the guard.
+        if (variable != nullptr && current == variable->GetLinkPath()) {
+            return nullptr;
+        }
+        current = next;
+    }
+}
+
 } // namespace
 
 flowmere::LinkEnds::LinkEnds(IFCNode* root) : m_root(root), m_outer(innermostLinkEnds) {
@@ -80,30 +108,14 @@ CFCVariableData* flowmere::LinkEnds::find(wchar_t const* path) {
         m_epoch = linkEpoch;
     }
     std::vector<TuString> passed;
-    TuString current(path);
-    CFCVariableData* end = nullptr;
-    CFCVariableData* variable = CFCNodeHelper::FindVariable(current, m_root);
-    CircleGuard<CFCVariableData> guard;
-    while (true) {
-        if (auto const known = m_ends.find(current); known != m_ends.end()) {
-            end = known->second;
-            break;
-        }
-        passed.push_back(current);
-        if (variable == nullptr || !variable->IsLinked()) {
-            end = variable;
-            break;
-        }
-        TuString next(variable->GetLinkPath());
-        if (next == current || guard.closes(variable)) {
-            break;
-        }
-        variable = CFCNodeHelper::FindVariable(next, m_root);
-        if (variable != nullptr && current == variable->GetLinkPath()) {
-            break;
-        }
-        current = next;
-    }
+    CFCVariableData* const end =
+        followLinks(path, m_root, [&](TuString const& place) -> std::optional<CFCVariableData*> {
+            if (auto const known = m_ends.find(place); known != m_ends.end()) {
+                return known->second;
+            }
+            passed.push_back(place);
+            return std::nullopt;
+        });
     // Every variable on the way ends where this one does; a circle is left by none of them.
     for (TuString const& place : passed) {
         m_ends.emplace(place, end);
@@ -115,22 +127,7 @@ CFCVariableData* CFCNodeHelper::FindFinalVariable(wchar_t const* path, IFCNode* 
     if (flowmere::LinkEnds* const ends = flowmere::LinkEnds::of(node)) {
         return ends->find(path);
     }
-    TuString current(path);
-    CFCVariableData* variable = FindVariable(current, node);
-    flowmere::CircleGuard<CFCVariableData> guard;
-    while (variable != nullptr && variable->IsLinked()) {
-        TuString next(variable->GetLinkPath());
-        if (next == current || guard.closes(variable)) {
-            return nullptr;
-        }
-        variable = FindVariable(next, node);
-        // Two variables that link to each other; longer circles come back to the guard.
-        if (variable != nullptr && current == variable->GetLinkPath()) {
-            return nullptr;
-        }
-        current = next;
-    }
-    return variable;
+    return followLinks(path, node, [](TuString const&) { return std::optional<CFCVariableData*>(); });
 }
 
 CFCVariableData* CFCNodeHelper::FindVariableWithCheck(wchar_t const* path, IFCNode* node) {
