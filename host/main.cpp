@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -20,6 +21,15 @@
 namespace {
 
 using namespace flowmere::host;
+
+// All commands, in the order in which the help names them: a new one needs its header above and its line here.
+constexpr void (*kCommands[])(CLI::App& app, Result& result) = {
+    addShow,     //
+    addCheck,    //
+    addRun,      //
+    addGenerate, //
+    addFormat,   //
+};
 
 std::string versionLine() {
     return fmt::format("flowmere {} (Xerces-C {}, Python {})", flowmere::versionText(), flowmere::xercesVersionText(),
@@ -38,11 +48,8 @@ int run(int argc, char** argv) {
     app.require_subcommand(1);
     app.fallthrough(false);
 
-    addRun(app, result);
-    addShow(app, result);
-    addCheck(app, result);
-    addGenerate(app, result);
-    addFormat(app, result);
+    for (auto* const add : kCommands)
+        add(app, result);
 
     try {
         app.parse(argc, argv);
@@ -69,6 +76,8 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // A file at the limit of its size is a failed write like any other, with a cause that can be told.
+    std::signal(SIGXFSZ, SIG_IGN);
     int exitCode = kExitWell;
     try {
         exitCode = run(argc, argv);
