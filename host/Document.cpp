@@ -1,6 +1,7 @@
 #include "host/Document.h"
 
 #include "host/Command.h"
+#include "host/HostFactory.h"
 #include "host/Text.h"
 
 #include <fmt/format.h>
@@ -73,7 +74,7 @@ struct TreeDeleter {
 using Tree = std::unique_ptr<IFCNode, TreeDeleter>;
 
 Tree parse(fs::path const& path, int linkDepth, std::vector<CFCReadFinding>* findings) {
-    CFCNodeFactory factory;
+    HostFactory factory;
     CFCReader reader;
     reader.SetNodeFactory(&factory);
     IFCNode* root = nullptr;
