@@ -91,6 +91,8 @@ void writeVariable(std::string const& name, py::str const& value) {
     CFCVariableData& variable = actualVariable(name);
     variable.SetValue(fromPython(value));
     variable.UpdateValue();
+    if (hostServices().valueWritten)
+        hostServices().valueWritten(variable);
 }
 
 // 0 forward, 1 backward.

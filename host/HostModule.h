@@ -2,6 +2,8 @@
 
 // The built-in module `_flowmere`: what the Python side of the program asks of the running process.
 
+#include "flowmere/Flowmere.h"
+
 #include <functional>
 #include <string>
 
@@ -16,6 +18,8 @@ void registerHostModule();
 struct HostServices {
     Interpreter* interpreter = nullptr;
     std::function<void(std::string const&)> writeHistory;
+    // A script has given the variable, which is the one at the end of all links, a value.
+    std::function<void(CFCVariableData&)> valueWritten;
     std::function<void()> outputBegins; // a script is about to print; see Interpreter::watchOutput
     std::string documentPath;
 };

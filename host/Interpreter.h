@@ -19,6 +19,12 @@ struct ScriptError {
     bool interrupt = false;
 };
 
+// A piece of what a script printed.
+struct PrintedText {
+    bool isError = false; // to standard error
+    std::string text;
+};
+
 // Starts with the first call of start() and stays up to the end of the process.
 class Interpreter {
 public:

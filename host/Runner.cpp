@@ -1,5 +1,6 @@
 #include "host/Runner.h"
 
+#include "host/HostCommand.h"
 #include "host/Text.h"
 
 #include <chrono>
@@ -43,39 +44,10 @@ public:
     }
 };
 
-// The one command object of the process: it hears of each block that starts. Never destroyed.
-class Runner::Command : public CFCCommand {
-public:
-    int SetValues(char const* name, char const* type, void const* value, int count) override {
-        if (name != nullptr && value != nullptr && std::string_view(name) == "Execute Block")
-            m_path = static_cast<char const*>(value);
-        return CFCCommand::SetValues(name, type, value, count);
-    }
-    int ExecuteCommand(char const* name, void const* argument) override {
-        if (name != nullptr && std::string_view(name) == "Execute Block" && m_blockStarts)
-            m_blockStarts(m_path);
-        return CFCCommand::ExecuteCommand(name, argument);
-    }
-    using CFCCommand::ExecuteCommand;
-    using CFCCommand::SetValues;
-
-    void setBlockStarts(std::function<void(std::string const&)> blockStarts) { m_blockStarts = std::move(blockStarts); }
-
-private:
-    std::string m_path;
-    std::function<void(std::string const&)> m_blockStarts;
-};
-
-Runner::Command& Runner::command() {
-    // Built before anybody asks the library for its command object, so this is that object.
-    static Command* const object = new Command;
-    return *object;
-}
-
 Runner::Runner(Document& document, Interpreter& interpreter, RunObserver observer)
     : m_document(document), m_interpreter(interpreter), m_observer(std::move(observer)),
       m_mechanism(std::make_unique<Mechanism>()) {
-    Command& commands = command();
+    HostCommand& commands = HostCommand::instance();
     commands.setBlockStarts(m_observer.blockStarts);
     commands.setExecutionMechanism(m_mechanism.get());
     getExecutive()->setActiveProcess(&m_document.process());
@@ -92,12 +64,12 @@ Runner::~Runner() {
     m_interpreter.setExecutingBlock(nullptr);
     m_mechanism->moveTo(nullptr);
     getExecutive()->setActiveProcess(nullptr);
-    command().setExecutionMechanism(nullptr);
-    command().setBlockStarts(nullptr);
+    HostCommand::instance().setExecutionMechanism(nullptr);
+    HostCommand::instance().setBlockStarts(nullptr);
 }
 
 void Runner::execute(char const* commandName) {
-    command().ExecuteCommand(commandName, nullptr);
+    HostCommand::instance().ExecuteCommand(commandName, nullptr);
 }
 
 void Runner::begin() {

@@ -26,6 +26,8 @@ struct BlockRun {
     double milliseconds = 0;
     // The variables that the block gives out, by name, with their actual values. Of an executed block only.
     std::vector<std::pair<std::string, std::string>> outputs;
+    // What its script printed while it ran, to standard output and to standard error, in order.
+    std::vector<PrintedText> printed;
     // Of a failed block: the first error.
     std::optional<ScriptError> error;
 };
@@ -68,7 +70,6 @@ public:
 
 private:
     class Mechanism;
-    class Command;
 
     // A block that has run, and what it must find again when it is undone.
     struct Done {
@@ -76,7 +77,6 @@ private:
         int gripBefore;
     };
 
-    static Command& command();
     void begin();
     RunEnd tick(CFCBlockNode& block);
     void execute(char const* commandName);

@@ -3,6 +3,7 @@
 #include "host/Document.h"
 #include "host/HostModule.h"
 #include "host/Interpreter.h"
+#include "host/RunReport.h"
 #include "host/Runner.h"
 #include "host/Text.h"
 
@@ -43,19 +44,6 @@ struct Options {
     std::vector<Move> moves; // steps and undos in the order of the command line
     std::optional<std::string> saveTo;
     bool json = false;
-};
-
-// Everything that a run has shown, for the summary and for --json.
-struct Report {
-    std::vector<BlockRun> blocks;
-    std::vector<std::string> history;
-    std::vector<std::string> notes;
-    std::size_t executed = 0;
-    std::size_t undone = 0;
-    double milliseconds = 0;
-    std::string end; // "ended", "stopped", "failed" or "interrupted"
-    std::optional<std::string> next;
-    std::optional<std::string> savedTo;
 };
 
 // With --json standard output belongs to the one document: what scripts print goes to standard error meanwhile.
@@ -227,7 +215,7 @@ Json toJson(BlockRun const& run) {
     return block;
 }
 
-Json toJson(Report const& report, std::string const& file) {
+Json toJson(RunReport const& report, std::string const& file) {
     auto const optional = [](std::optional<std::string> const& text) {
         return text ? Json(*text) : Json();
     };
@@ -246,7 +234,7 @@ Json toJson(Report const& report, std::string const& file) {
     return document;
 }
 
-std::string summaryLine(Report const& report) {
+std::string summaryLine(RunReport const& report) {
     std::string line = report.end;
     if (report.end == "stopped" && report.next)
         line += " before " + oneLine(*report.next);
@@ -432,7 +420,7 @@ private:
     Options const& m_options;
     Document m_document;
     Progress m_progress;
-    Report m_report;
+    RunReport m_report;
     std::size_t m_width = 0;
     bool m_isFailed = false;
     int m_exitCode = kExitWell;
