@@ -273,25 +273,26 @@ public:
     void Create() override;
 
     // Texts of the manifest; dates and numbers stay as written.
-    wchar_t const* GetVersion() { return m_version; }
-    void SetVersion(wchar_t const* text) { m_version = text; }
-    wchar_t const* GetBuild() { return m_build; }
-    void SetBuild(wchar_t const* text) { m_build = text; }
-    wchar_t const* GetReleaseDate() { return m_releaseDate; }
-    void SetReleaseDate(wchar_t const* text) { m_releaseDate = text; }
-    wchar_t const* GetReleaseNumber() { return m_releaseNumber; }
-    void SetReleaseNumber(wchar_t const* text) { m_releaseNumber = text; }
-    wchar_t const* GetPath() { return m_path; }
-    void SetPath(wchar_t const* text) { m_path = text; }
+    TuString version;
+    TuString build;
+    TuString releaseDate;
+    TuString releaseNumber;
+    TuString path;
+    // Not in a manifest; the library makes no use of them.
+    TuString patchFile;
+    TuString installationLocation;
 
-private:
-    TuString m_version;
-    TuString m_build;
-    TuString m_releaseDate;
-    TuString m_releaseNumber;
-    TuString m_path;
-    TuString m_patchFile;            // not in a manifest; no accessor
-    TuString m_installationLocation; // not in a manifest; no accessor
+    // The same texts for hosts that go by accessors.
+    wchar_t const* GetVersion() { return version; }
+    void SetVersion(wchar_t const* text) { version = text; }
+    wchar_t const* GetBuild() { return build; }
+    void SetBuild(wchar_t const* text) { build = text; }
+    wchar_t const* GetReleaseDate() { return releaseDate; }
+    void SetReleaseDate(wchar_t const* text) { releaseDate = text; }
+    wchar_t const* GetReleaseNumber() { return releaseNumber; }
+    void SetReleaseNumber(wchar_t const* text) { releaseNumber = text; }
+    wchar_t const* GetPath() { return path; }
+    void SetPath(wchar_t const* text) { path = text; }
 };
 
 // A help entry.

@@ -60,14 +60,16 @@ struct PackageText {
     char const* name;
     wchar_t const* (CFCPackageNode::*get)();
     void (CFCPackageNode::*set)(wchar_t const*);
+    TuString CFCPackageNode::*field;
 };
 
 constexpr PackageText kPackageTexts[] = {
-    {"version", &CFCPackageNode::GetVersion, &CFCPackageNode::SetVersion},
-    {"build", &CFCPackageNode::GetBuild, &CFCPackageNode::SetBuild},
-    {"release date", &CFCPackageNode::GetReleaseDate, &CFCPackageNode::SetReleaseDate},
-    {"release number", &CFCPackageNode::GetReleaseNumber, &CFCPackageNode::SetReleaseNumber},
-    {"path", &CFCPackageNode::GetPath, &CFCPackageNode::SetPath},
+    {"version", &CFCPackageNode::GetVersion, &CFCPackageNode::SetVersion, &CFCPackageNode::version},
+    {"build", &CFCPackageNode::GetBuild, &CFCPackageNode::SetBuild, &CFCPackageNode::build},
+    {"release date", &CFCPackageNode::GetReleaseDate, &CFCPackageNode::SetReleaseDate, &CFCPackageNode::releaseDate},
+    {"release number", &CFCPackageNode::GetReleaseNumber, &CFCPackageNode::SetReleaseNumber,
+     &CFCPackageNode::releaseNumber},
+    {"path", &CFCPackageNode::GetPath, &CFCPackageNode::SetPath, &CFCPackageNode::path},
 };
 
 // What CreateNode makes, for the codes of the catalogs.
@@ -605,7 +607,10 @@ TEST(FCPackageNode, KeepsTheTextsOfTheManifest) {
     for (PackageText const& text : kPackageTexts) {
         EXPECT_STREQ((node.*text.get)(), L"") << text.name;
         (node.*text.set)(flowmere::fromUtf8(text.name).c_str());
+        EXPECT_EQ(narrow(node.*text.field), text.name);
     }
+    EXPECT_TRUE(node.patchFile.IsEmpty());
+    EXPECT_TRUE(node.installationLocation.IsEmpty());
     CFCPackageNode const copy(node);
     for (PackageText const& text : kPackageTexts) {
         EXPECT_EQ(narrow((node.*text.get)()), text.name);
