@@ -5,6 +5,7 @@
 #include "flowmere/model/FCEnumerations.h"
 
 class CFCDataTypeNode;
+class CFCProcessList;
 class CFCVariableData;
 class IFCNode;
 
@@ -140,6 +141,26 @@ public:
 
     // Sets IsNewPath on the node, its following siblings and all below them.
     static void UpdateAllToNewPath(IFCNode* node);
+
+    // --- Process lists and block templates; defined in persistence/LibraryLists.cpp ------------------------
+
+    // Reads the file into the list, or into a new list of node type 69 when that is null, and gives the list, however
+    // the reading ended. A new list is the caller's; base is the folder of its files.
+    static CFCProcessList* LoadProcessList(wchar_t const* file, CFCProcessList* list, wchar_t const* base);
+
+    // The user's own list, in which everything counts as newly placed; the caller owns it. Null when the user has no
+    // folder apart from the common one, or one outside the folder "BrindleExec". A list that cannot be read is empty.
+    static CFCProcessList* LoadUserProcessList(bool bpm);
+
+    // Runs SaveSingleNode for the node and its following siblings, in order. Nothing for null.
+    static void SaveNodes(IFCNode* node);
+
+    // SaveNodes for the children of a list. Nothing for null.
+    static void SaveRootNode(IFCNode* list);
+
+    // Writes the node without its children as a template: the file of its id, with ".xml", in its script folder below
+    // the resource path. Nothing for null, for a node without block data and for an empty script folder.
+    static void SaveSingleNode(IFCNode* node);
 
     // --- Tear-down -----------------------------------------------------------------------------------------
 

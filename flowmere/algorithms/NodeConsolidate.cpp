@@ -40,13 +40,55 @@ private:
 
 // One level of a merge: the chain that is left to take in, and what it goes into.
 struct Level {
-    Level(IFCNode* into, IFCNode* from) : target(into), source(from), children(into) {}
-
     IFCNode* target;
     IFCNode* source;
-    ChildrenByCaption children;
-    // Clones that found no place; they go when the level above, which made them, goes on.
-    std::vector<IFCNode*> discarded;
+    ChildrenByCaption* children;
+};
+
+// The levels of a merge that are open, one inside the other.
+class Levels {
+public:
+    // Clones that found no place go at the end: until then no new node can be taken for one of them.
+    ~Levels() {
+        for (IFCNode* const clone : m_discarded) {
+            CFCNodeHelper::DestroyTree(clone);
+        }
+    }
+    Levels() = default;
+    Levels(Levels const&) = delete;
+    Levels& operator=(Levels const&) = delete;
+
+    void enter(IFCNode* target, IFCNode* source) {
+        // Many groups of one caption go into the same target, whose children are numbered once for all of them.
+        m_open.push_back({target, source, &m_children.try_emplace(target, target).first->second});
+    }
+    // Takes the next entry off the level on top; levels that are done go.
+    IFCNode* nextEntry() {
+        while (!m_open.empty()) {
+            Level& level = m_open.back();
+            if (IFCNode* const entry = level.source) {
+                level.source = entry->GetNext();
+                return entry;
+            }
+            m_open.pop_back();
+        }
+        return nullptr;
+    }
+    Level& top() { return m_open.back(); }
+
+    void append(IFCNode* parent, IFCNode* child) {
+        parent->AppendChild(child, false);
+        auto const known = m_children.find(parent);
+        if (known != m_children.end()) {
+            known->second.prepended(child);
+        }
+    }
+    void discard(IFCNode* clone) { m_discarded.push_back(clone); }
+
+private:
+    std::vector<Level> m_open;
+    std::unordered_map<IFCNode*, ChildrenByCaption> m_children; // of each target so far
+    std::vector<IFCNode*> m_discarded;
 };
 
 // Whether the source chain holds the target or a node above it. Such a merge would feed on its own clones for ever.
@@ -75,34 +117,17 @@ void updateFileNode(IFCNode* target, IFCNode* source) {
     target->SetNewPath(true);
 }
 
-// Takes the next entry off the level on top; levels that are done go, with the clones that found no place.
-IFCNode* nextEntry(std::vector<Level>& levels) {
-    while (!levels.empty()) {
-        Level& level = levels.back();
-        for (IFCNode* clone : level.discarded) {
-            CFCNodeHelper::DestroyTree(clone);
-        }
-        level.discarded.clear();
-        if (IFCNode* const entry = level.source) {
-            level.source = entry->GetNext();
-            return entry;
-        }
-        levels.pop_back();
-    }
-    return nullptr;
-}
-
 } // namespace
 
 void CFCNodeHelper::Consolidate(IFCNode* target, IFCNode* source) {
     if (target == nullptr || source == nullptr || enclosesTarget(source, target)) {
         return;
     }
-    std::vector<Level> levels;
-    levels.emplace_back(target, source);
-    while (IFCNode* const entry = nextEntry(levels)) {
-        Level& level = levels.back();
-        IFCNode* into = level.children.find(entry->GetNodeCaption());
+    Levels levels;
+    levels.enter(target, source);
+    while (IFCNode* const entry = levels.nextEntry()) {
+        Level const& level = levels.top();
+        IFCNode* into = level.children->find(entry->GetNodeCaption());
         if (into != nullptr && into->GetNodeType() == eShapeType_FileNode) {
             updateFileNode(into, entry);
             continue;
@@ -112,11 +137,10 @@ void CFCNodeHelper::Consolidate(IFCNode* target, IFCNode* source) {
             if (into == nullptr) {
                 continue;
             }
-            level.target->AppendChild(into, false);
-            level.children.prepended(into);
+            levels.append(level.target, into);
         }
         if (IFCNode* const below = entry->GetChild()) {
-            levels.emplace_back(into, below);
+            levels.enter(into, below);
         }
     }
 }
@@ -125,18 +149,18 @@ void CFCNodeHelper::Consolidate2(IFCNode* target, IFCNode* source) {
     if (source == nullptr || (target != nullptr && enclosesTarget(source, target))) {
         return;
     }
-    std::vector<Level> levels;
-    levels.emplace_back(target, source);
-    while (IFCNode* const entry = nextEntry(levels)) {
-        Level& level = levels.back();
+    Levels levels;
+    levels.enter(target, source);
+    while (IFCNode* const entry = levels.nextEntry()) {
+        Level const& level = levels.top();
         IFCNode* const below = entry->GetChild();
-        IFCNode* const match = level.children.find(entry->GetNodeCaption());
+        IFCNode* const match = level.children->find(entry->GetNodeCaption());
         if (match != nullptr && match->GetNodeType() == entry->GetNodeType()) {
             if (match->GetNodeType() == eShapeType_FileNode) {
                 updateFileNode(match, entry);
             } else if (below != nullptr) {
                 // The level below goes into the first child of the match, not into the match.
-                levels.emplace_back(match->GetChild(), below);
+                levels.enter(match->GetChild(), below);
             }
             continue;
         }
@@ -152,12 +176,9 @@ void CFCNodeHelper::Consolidate2(IFCNode* target, IFCNode* source) {
             place = place->GetParentNode();
         }
         if (place == nullptr) {
-            level.discarded.push_back(clone);
+            levels.discard(clone);
         } else {
-            place->AppendChild(clone, false);
-            if (place == level.target) {
-                level.children.prepended(clone);
-            }
+            levels.append(place, clone);
         }
         if (below == nullptr) {
             continue;
@@ -167,10 +188,10 @@ void CFCNodeHelper::Consolidate2(IFCNode* target, IFCNode* source) {
             continue;
         }
         if (clone->GetNodeType() != eShapeType_FileNode) {
-            clone->AppendChild(first, false);
+            levels.append(clone, first);
         } else {
-            level.discarded.push_back(first);
+            levels.discard(first);
         }
-        levels.emplace_back(first, below);
+        levels.enter(first, below);
     }
 }

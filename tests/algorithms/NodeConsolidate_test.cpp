@@ -3,6 +3,7 @@
 #include "TreeBuilder.h"
 #include "flowmere/model/FCNodeManager.h"
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -396,6 +397,146 @@ TEST(Consolidate2, VeryDeepListsNeedNoStack) {
     }
     CFCNodeHelper::Consolidate2(target, source->GetChild());
     EXPECT_GE(CFCNodeHelper::GetBlockCount(target), kGreatDepth);
+}
+
+// --- Both against a walk that scans the children anew for each entry -----------------------------------------------
+
+IFCNode* firstOf(IFCNode* parent, IFCNode* entry) {
+    return parent != nullptr ? child(parent, entry->GetNodeCaption()) : nullptr;
+}
+
+void takeState(IFCNode* target, IFCNode* source) {
+    if (source->GetVersionNo() > target->GetVersionNo()) {
+        target->SetUptoDate(false);
+    }
+    target->SetCheckedOut(source->IsCheckedOut());
+    target->SetNodeId(source->GetNodeId());
+    target->SetNewPath(true);
+}
+
+void scanAndMerge(IFCNode* target, IFCNode* source) {
+    for (IFCNode* entry = source; target != nullptr && entry != nullptr; entry = entry->GetNext()) {
+        IFCNode* into = firstOf(target, entry);
+        if (into != nullptr && into->GetNodeType() == 70) {
+            takeState(into, entry);
+            continue;
+        }
+        if (into == nullptr) {
+            into = CFCNodeHelper::Clone(entry);
+            target->AppendChild(into, false);
+        }
+        scanAndMerge(into, entry->GetChild());
+    }
+}
+
+// What finds no place is kept until the test ends.
+void scanAndMerge2(IFCNode* target, IFCNode* source, std::vector<IFCNode*>& homeless) {
+    for (IFCNode* entry = source; entry != nullptr; entry = entry->GetNext()) {
+        IFCNode* const match = firstOf(target, entry);
+        if (match != nullptr && match->GetNodeType() == entry->GetNodeType()) {
+            if (match->GetNodeType() == 70) {
+                takeState(match, entry);
+            } else {
+                scanAndMerge2(match->GetChild(), entry->GetChild(), homeless);
+            }
+            continue;
+        }
+        if (entry->GetParentNode() == nullptr) {
+            continue;
+        }
+        IFCNode* const clone = CFCNodeHelper::Clone(entry);
+        IFCNode* const place = target != nullptr && target->GetNodeType() == 70 ? target->GetParentNode() : target;
+        if (place != nullptr) {
+            place->AppendChild(clone, false);
+        } else {
+            homeless.push_back(clone);
+        }
+        if (entry->GetChild() != nullptr) {
+            IFCNode* const first = CFCNodeHelper::Clone(entry->GetChild());
+            if (clone->GetNodeType() != 70) {
+                clone->AppendChild(first, false);
+            } else {
+                homeless.push_back(first);
+            }
+            scanAndMerge2(first, entry->GetChild(), homeless);
+        }
+    }
+}
+
+// A tree of few captions, so that they meet often, with entries below file nodes too.
+void grow(IFCNode* parent, int depth, std::mt19937& random) {
+    static constexpr wchar_t const* kCaptions[] = {L"A", L"B", L"C"};
+    for (auto left = random() % 5; left > 0; --left) {
+        IFCNode* const node = make(random() % 2 == 0 ? 70 : 71, L"", kCaptions[random() % 3]);
+        node->SetNodeId(std::to_wstring(random() % 100).c_str());
+        node->SetVersionNo(static_cast<float>(random() % 3));
+        node->SetUptoDate(true);
+        node->SetCheckedOut(random() % 2 == 0);
+        parent->AppendChild(node, false);
+        if (depth > 0) {
+            grow(node, depth - 1, random);
+        }
+    }
+}
+
+std::string everything(IFCNode* parent) {
+    std::string text;
+    for (IFCNode* node = parent->GetChild(); node != nullptr; node = node->GetNext()) {
+        text += narrow(node->GetNodeCaption()) + std::to_string(node->GetNodeType()) + narrow(node->GetNodeId()) +
+                (node->IsUptoDate() ? "u" : "") + (node->IsCheckedOut() ? "c" : "") + (node->IsNewPath() ? "n" : "") +
+                "(" + everything(node) + ")";
+    }
+    return text;
+}
+
+TEST(ScannedMerge, GivesTheSameForAnyTrees) {
+    for (unsigned seed = 0; seed < 1000; ++seed) {
+        Tree targets[] = {Tree(69), Tree(69), Tree(69), Tree(69)};
+        for (Tree& target : targets) {
+            std::mt19937 random(seed);
+            grow(target, 3, random);
+        }
+        Tree source(69);
+        std::mt19937 random(seed + 100000);
+        grow(source, 3, random);
+
+        CFCNodeHelper::Consolidate(targets[0], source->GetChild());
+        scanAndMerge(targets[1], source->GetChild());
+        ASSERT_EQ(everything(targets[0]), everything(targets[1])) << seed;
+
+        std::vector<IFCNode*> homeless;
+        CFCNodeHelper::Consolidate2(targets[2], source->GetChild());
+        scanAndMerge2(targets[3], source->GetChild(), homeless);
+        ASSERT_EQ(everything(targets[2]), everything(targets[3])) << seed;
+        for (IFCNode* const node : homeless) {
+            CFCNodeHelper::DestroyTree(node);
+        }
+    }
+}
+
+TEST_P(FileNodeMerge, ManyGroupsOfOneCaptionGoIntoALargeGroup) {
+    constexpr int kGroups = 20000;
+    std::vector<IFCNode*> there;
+    std::vector<IFCNode*> coming;
+    for (int number = 0; number < kGroups; ++number) {
+        std::wstring const name = L"F" + std::to_wstring(number);
+        there.push_back(file(name.c_str(), L"old"));
+        coming.push_back(folder(L"G", {file(name.c_str(), L"new")}));
+    }
+    // The newer merge goes into the first child of the match.
+    Tree target(list({folder(L"G", {folder(L"H", there)})}));
+    bool const isNewer = GetParam() == &CFCNodeHelper::Consolidate2;
+    if (!isNewer) {
+        target->GetChild()->GetChild()->SetNodeCaption(L"G");
+    }
+    Tree source(list(coming));
+    // A scan for each entry would take minutes.
+    GetParam()(isNewer ? target.root() : target->GetChild(), source->GetChild());
+    IFCNode* const inner = target->GetChild()->GetChild();
+    EXPECT_EQ(CFCNodeHelper::GetBlockCount(target), kGroups + 2);
+    for (IFCNode* node = inner->GetChild(); node != nullptr; node = node->GetNext()) {
+        ASSERT_STREQ(node->GetNodeId(), L"new");
+    }
 }
 
 } // namespace
