@@ -2,6 +2,8 @@
 
 #include "host/Command.h"
 #include "host/HostFactory.h"
+#include "host/ReadBack.h"
+#include "host/SafeFile.h"
 #include "host/Text.h"
 
 #include <fmt/format.h>
@@ -10,7 +12,8 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <map>
+#include <sys/mman.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -128,63 +131,48 @@ bool isBare(CFCProcessNode& process) {
     return variablesOf(process).empty();
 }
 
-// What of a tree must be found again after it was written, each with its number.
-std::map<std::string, int> contentsOf(IFCNode& root) {
-    std::map<std::string, int> contents;
-    auto const add = [&](IFCNode& node) {
-        std::string const path = pathOf(node);
-        for (CFCVariableData* const variable : variablesOf(node))
-            ++contents[path + "." + utf8(variable->GetVariableName())];
-    };
-    add(root);
-    for (CFCBlockNode* const block : blocksBelow(root)) {
-        ++contents[pathOf(*block)];
-        add(*block);
-    }
-    return contents;
-}
-
-// A name for the new file beside the one that it is to replace.
-fs::path temporaryBeside(fs::path const& target) {
-    fs::path path = target;
-    path.replace_filename(fmt::format(".{}.{}.tmp", target.filename().string(), ::getpid()));
-    return path;
-}
-
-// Removes what was written and not taken over.
-class TemporaryFile {
+// A file without a name, in memory.
+class MemoryFile {
 public:
-    explicit TemporaryFile(fs::path path) : m_path(std::move(path)) {}
-    ~TemporaryFile() {
-        std::error_code ignored;
-        fs::remove(m_path, ignored);
+    MemoryFile() : m_file(::memfd_create("flowmere", MFD_CLOEXEC)) {}
+    ~MemoryFile() {
+        if (m_file >= 0)
+            ::close(m_file);
     }
-    TemporaryFile(TemporaryFile const&) = delete;
-    TemporaryFile& operator=(TemporaryFile const&) = delete;
-    fs::path const& path() const { return m_path; }
+    MemoryFile(MemoryFile const&) = delete;
+    MemoryFile& operator=(MemoryFile const&) = delete;
+
+    // By which others open it.
+    fs::path path() const { return fmt::format("/proc/self/fd/{}", m_file); }
+    // What it holds. Throws std::system_error when it could take no more, or cannot be read.
+    std::string content() const {
+        struct stat status {};
+        if (m_file < 0 || ::fstat(m_file, &status) != 0)
+            fail();
+        // What was written to it by others may be cut off, and they would not tell.
+        if (::pwrite(m_file, "\n", 1, status.st_size) != 1)
+            fail();
+        std::string text(static_cast<std::size_t>(status.st_size), '\0');
+        for (std::size_t at = 0; at < text.size();) {
+            ssize_t const count = ::pread(m_file, text.data() + at, text.size() - at, static_cast<off_t>(at));
+            if (count <= 0)
+                fail();
+            at += static_cast<std::size_t>(count);
+        }
+        return text;
+    }
 
 private:
-    fs::path m_path;
+    [[noreturn]] static void fail() { throw std::system_error(errno, std::generic_category()); }
+
+    int m_file;
 };
 
-// Why a file cannot come to stand at a path; empty when it can.
-std::string writingFault(fs::path const& target) {
-    std::error_code error;
-    fs::file_status const status = fs::status(target, error);
-    if (status.type() == fs::file_type::directory)
-        return "is a folder";
-    if (fs::exists(status) && status.type() != fs::file_type::regular)
-        return "is no regular file";
-    if (target.filename().empty())
-        return "is no file name";
-    if (fs::absolute(target).string().find('\\') != std::string::npos)
-        return "its path holds a backslash";
-    fs::path const folder = fs::absolute(target).parent_path();
-    if (!fs::is_directory(folder, error))
-        return "there is no folder " + folder.string();
-    if (fs::exists(status) && ::access(target.c_str(), W_OK) != 0)
-        return std::strerror(errno);
-    return {};
+// What the library writes for a tree, empty when it cannot. In memory, no full disk cuts it off.
+std::string textOf(CFCProcessNode& process) {
+    MemoryFile const file;
+    CFCWriter writer;
+    return writer.WriteFile(libraryPath(file.path()), &process, true) ? file.content() : std::string();
 }
 
 // Kinds that do nothing without a script.
@@ -216,7 +204,9 @@ Document::Document(std::string const& file, std::vector<std::string> const& scri
         throw Failure("", "", "the name of the document is empty");
     if (std::string const fault = readingFault(file); !fault.empty())
         throw Failure(file, "", fault);
+    m_startFolder = fs::current_path();
     m_path = fs::absolute(file).lexically_normal();
+    m_state = FileState::of(m_path);
     setRoots(scriptRoots);
     read();
     loadFurtherScripts();
@@ -353,46 +343,55 @@ ScriptState Document::scriptState(CFCBlockNode& block) const {
     return isNamed || isTask(block.GetNodeType()) ? ScriptState::Missing : ScriptState::None;
 }
 
-void Document::checkCanSave(std::string const& out) {
-    if (out.empty())
-        throw Failure("", "", "the name of the file to save is empty");
-    if (std::string const fault = writingFault(out); !fault.empty())
-        throw Failure(out, "", "cannot be written: " + fault);
+FileState FileState::of(fs::path const& path) {
+    FileState state;
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        return state;
+    state.device = status.st_dev;
+    state.number = status.st_ino;
+    state.size = static_cast<std::uintmax_t>(status.st_size);
+    state.seconds = status.st_mtim.tv_sec;
+    state.nanoseconds = status.st_mtim.tv_nsec;
+    return state;
 }
 
-void Document::save(std::string const& out) const {
-    checkCanSave(out);
+void Document::checkCanSave(std::string const& out) {
+    SafeFile::check(out);
+}
+
+void Document::save(std::string const& out) {
+    SafeFile file(out, m_startFolder);
     auto const fail = [&](std::string const& cause) {
         throw Failure(out, "", "cannot be written: " + cause);
     };
     std::error_code error;
-    fs::path target = fs::absolute(out);
-    // A link stays, and the file that it leads to is replaced.
-    if (fs::path const resolved = fs::weakly_canonical(target, error); !error)
-        target = resolved;
-
-    TemporaryFile const temporary(temporaryBeside(target));
-    errno = 0;
-    if (!std::ofstream(temporary.path(), std::ios::binary))
-        fail(std::strerror(errno));
-    CFCWriter writer;
-    if (!writer.WriteFile(libraryPath(temporary.path()), m_process, true))
-        fail("the document could not be built");
-    // A process that links to a file is read from that file, whatever was written below it.
-    Tree const written = parse(temporary.path(), kLinkDepth, nullptr);
-    if (written == nullptr)
-        fail("what was written cannot be read back, the disk may be full");
-    std::map<std::string, int> const found = contentsOf(*written);
-    for (auto const& [name, count] : contentsOf(*m_process)) {
-        auto const entry = found.find(name);
-        if (entry == found.end() || entry->second < count)
-            throw Failure(out, name, "cannot be written: a process document does not keep it");
+    fs::path const own = fs::canonical(m_path, error);
+    bool const isOwn = !error && own == fs::weakly_canonical(file.destination(), error);
+    if (isOwn && m_state != FileState::of(own))
+        fail("another program has changed it since it was read");
+    std::string text;
+    try {
+        text = textOf(*m_process);
+    } catch (std::system_error const& problem) {
+        fail(problem.code().message());
     }
-    if (fs::exists(target, error))
-        fs::permissions(temporary.path(), fs::status(target, error).permissions(), error);
-    fs::rename(temporary.path(), target, error);
-    if (error)
-        fail(error.message());
+    if (text.empty())
+        fail("the document could not be built");
+    file.write(text);
+    Tree const written = parse(file.path(), kLinkDepth, nullptr);
+    if (written == nullptr)
+        fail("what was written cannot be read back");
+    if (auto const loss = firstLoss(*m_process, *written))
+        throw Failure(out, loss->place,
+                      fmt::format("cannot be written: a process document does not keep {}",
+                                  loss->what.empty() ? "it" : loss->what));
+    // Reading back has taken its time.
+    if (isOwn && m_state != FileState::of(own))
+        fail("another program has changed it since it was read");
+    file.commit();
+    if (isOwn)
+        m_state = FileState::of(own);
 }
 
 } // namespace flowmere::host

@@ -4,6 +4,7 @@
 
 #include "flowmere/Flowmere.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -17,6 +18,18 @@ enum class ScriptState {
     None,    // the block has none and needs none: it runs as nothing
     Found,   // there is a file
     Missing, // it names a script, or is of a kind that does nothing without one, and there is no file
+};
+
+// What tells a file from what stood there before, without reading it. All zero for a missing one.
+struct FileState {
+    static FileState of(std::filesystem::path const& path);
+    bool operator==(FileState const&) const = default;
+
+    std::uintmax_t device = 0;
+    std::uintmax_t number = 0;
+    std::uintmax_t size = 0;
+    std::int64_t seconds = 0; // of its last change
+    std::int64_t nanoseconds = 0;
 };
 
 // Owns the tree of one document and what the library has to know to find its scripts. The roots of the environment are
@@ -61,9 +74,11 @@ public:
 
     // Throws what save would throw for a file that cannot come to stand there, as far as that shows beforehand.
     static void checkCanSave(std::string const& out);
-    // Writes the whole tree. What was written is read back before it takes the place of a file that is there, so that
-    // no failure harms that file. Throws Failure, exit code 2.
-    void save(std::string const& out) const;
+    // Writes the whole tree into a new file beside the target, reads it back, compares, and lets it take the target's
+    // place in one step: the old file stays until then, and no failure harms it. A name that is not absolute counts
+    // from the folder in which the document was opened, wherever a script has gone since. Throws Failure, exit code 2;
+    // also when another program has changed the file that was read, and that is to be replaced.
+    void save(std::string const& out);
 
 private:
     void setRoots(std::vector<std::string> const& scriptRoots);
@@ -72,6 +87,8 @@ private:
 
     std::string m_file;
     std::filesystem::path m_path;
+    std::filesystem::path m_startFolder;
+    FileState m_state;
     std::vector<std::filesystem::path> m_scriptRoots;
     CFCProcessNode* m_process = nullptr;
     std::vector<CFCReadFinding> m_findings;

@@ -879,8 +879,8 @@ TEST_F(ThreeBlocks, UnwritablePlacesAreToldBeforeAnythingRuns) {
     };
     std::vector<Row> const rows = {
         {"nowhere/out.xml", "nowhere/out.xml: cannot be written: there is no folder HERE/nowhere"},
-        {"s", "s: cannot be written: is a folder"},
-        {"/dev/full", "/dev/full: cannot be written: is no regular file"},
+        {"s", "s: cannot be written: it is a folder"},
+        {"/dev/full", "/dev/full: cannot be written: it is no regular file"},
         {"file/out.xml", "file/out.xml: cannot be written: there is no folder HERE/file"},
         {"", "the name of the file to save is empty"},
         {"a\\b.xml", "a\\b.xml: cannot be written: its path holds a backslash"},
