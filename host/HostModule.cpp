@@ -6,7 +6,10 @@
 #include "host/Interpreter.h"
 #include "host/Text.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -119,22 +122,87 @@ int activeHandle() {
 }
 
 void writeHistory(std::string const& text) {
+    if (Interpreter* const interpreter = hostServices().interpreter)
+        interpreter->settleOutput();
     if (hostServices().writeHistory)
         hostServices().writeHistory(text);
 }
 
-void outputBegins() {
-    if (hostServices().outputBegins)
-        hostServices().outputBegins();
+// What was printed to the two streams comes out in the order in which it was printed, as long as each of them waits for
+// the other, and both for the programs that scripts start.
+class OutputOrder {
+public:
+    void beforePrint(bool isError) {
+        begin();
+        if (m_othersPrint || m_isError != isError)
+            settle();
+        m_isError = isError;
+    }
+    void beforeOthers() {
+        begin();
+        settle();
+        m_othersPrint = true;
+    }
+    void tickEnds() { m_othersPrint = false; }
+
+private:
+    static void begin() {
+        if (hostServices().outputBegins)
+            hostServices().outputBegins();
+    }
+    static void settle() {
+        if (Interpreter* const interpreter = hostServices().interpreter)
+            interpreter->settleOutput();
+    }
+
+    bool m_isError = false;
+    bool m_othersPrint = false;
+};
+
+OutputOrder& outputOrder() {
+    static OutputOrder order;
+    return order;
+}
+
+void beforePrint(bool isError) {
+    outputOrder().beforePrint(isError);
+}
+
+// Python tells of each program that a script is about to start, among many other events.
+int onAudit(char const* event, PyObject*, void*) {
+    constexpr std::string_view kPrograms[] = {"subprocess.Popen", "os.system", "os.fork",  "os.forkpty",
+                                              "os.posix_spawn",   "os.exec",   "os.spawn", "pty.spawn"};
+    std::string_view const name = event;
+    if (std::find(std::begin(kPrograms), std::end(kPrograms), name) != std::end(kPrograms))
+        outputOrder().beforeOthers();
+    return 0;
+}
+
+void watchPrograms() {
+    static bool const isWatched = ::PySys_AddAuditHook(onAudit, nullptr) == 0;
+    static_cast<void>(isWatched);
+}
+
+void tickEnds() {
+    outputOrder().tickEnds();
+}
+
+// Outside of what blocks print.
+void printErrorAside(std::string const& text) {
+    outputOrder().beforePrint(true);
+    if (Interpreter* const interpreter = hostServices().interpreter)
+        interpreter->settleOutput();
+    printError(text);
 }
 
 std::string executingPath() {
     return hostServices().interpreter != nullptr ? hostServices().interpreter->executingBlock() : std::string();
 }
 
-void reportError(std::string const& type, std::string const& text, std::string const& traceback, bool interrupt) {
+void reportError(std::string const& type, std::string const& text, std::string const& traceback, bool interrupt,
+                 std::string const& file, int line, std::string const& source) {
     if (Interpreter* const interpreter = hostServices().interpreter)
-        interpreter->addError({executingPath(), type, text, traceback, interrupt});
+        interpreter->addError({executingPath(), type, text, traceback, interrupt, file, line, source});
 }
 
 } // namespace
@@ -156,7 +224,10 @@ PYBIND11_EMBEDDED_MODULE(_flowmere, module) {
     module.def("set_active_handle", &setActiveHandle);
     module.def("active_handle", &activeHandle);
     module.def("write_history", &writeHistory);
-    module.def("output_begins", &outputBegins);
+    module.def("before_print", &beforePrint);
+    module.def("watch_programs", &watchPrograms);
+    module.def("tick_ends", &tickEnds);
+    module.def("print_error", &printErrorAside);
     module.def("executing_path", &executingPath);
     module.def("document_path", [] { return hostServices().documentPath; });
     module.def("report_error", &reportError);

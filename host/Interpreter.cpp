@@ -4,6 +4,7 @@
 
 #include "host/Command.h"
 #include "host/HostModule.h"
+#include "host/OutputCapture.h"
 #include "host/Text.h"
 
 #include <fmt/format.h>
@@ -101,6 +102,15 @@ void initialise() {
 
 } // namespace
 
+std::string errorText(ScriptError const& error) {
+    std::string line;
+    if (!error.file.empty())
+        line += error.file + (error.line > 0 ? ":" + std::to_string(error.line) : std::string()) + ": ";
+    if (!error.source.empty())
+        line += "`" + error.source + "`: ";
+    return line + (error.text.empty() ? error.type : error.type + ": " + error.text);
+}
+
 Interpreter::Interpreter() {
     fs::path const modules = moduleFolder();
     std::error_code error;
@@ -115,6 +125,8 @@ Interpreter::Interpreter() {
         throw Failure("Python", "", problem.what());
     }
 }
+
+Interpreter::~Interpreter() = default;
 
 Interpreter& Interpreter::start(std::vector<fs::path> const& scriptRoots) {
     static Interpreter* const interpreter = new Interpreter;
@@ -160,8 +172,20 @@ void Interpreter::finishTick(std::string const& scriptName) {
     } catch (py::error_already_set& problem) {
         // Ctrl-C between two blocks arrives here; anything else is a script that broke what all scripts share.
         if (!problem.matches(PyExc_KeyboardInterrupt))
-            addError({executingBlock(), "RuntimeError", problem.what(), "", false});
+            addError(errorOf("RuntimeError", problem.what()));
     }
+    settleOutput();
+    if (m_capture != nullptr)
+        if (std::string const fault = m_capture->takeFault(); !fault.empty())
+            addError(errorOf("OSError", fault));
+}
+
+ScriptError Interpreter::errorOf(std::string const& type, std::string const& text) const {
+    ScriptError error;
+    error.block = executingBlock();
+    error.type = type;
+    error.text = text;
+    return error;
 }
 
 void Interpreter::watchOutput() {
@@ -171,6 +195,41 @@ void Interpreter::watchOutput() {
     } catch (py::error_already_set const& problem) {
         throw Failure("Python", "", problem.what());
     }
+}
+
+void Interpreter::captureOutput(bool allToError) {
+    if (m_capture != nullptr)
+        return;
+    watchOutput();
+    m_capture = std::make_unique<OutputCapture>(allToError);
+}
+
+std::vector<PrintedText> Interpreter::takePrinted() {
+    std::vector<PrintedText> printed = std::exchange(m_printed, {});
+    if (m_capture != nullptr)
+        for (PrintedText& piece : m_capture->take())
+            printed.push_back(std::move(piece));
+    return printed;
+}
+
+void Interpreter::releaseOutput() {
+    m_printed = takePrinted();
+    m_capture.reset();
+}
+
+void Interpreter::settleOutput() {
+    if (m_capture != nullptr)
+        m_capture->settle();
+}
+
+void Interpreter::pauseCapture() {
+    if (m_capture != nullptr)
+        m_capture->pause();
+}
+
+void Interpreter::resumeCapture() {
+    if (m_capture != nullptr)
+        m_capture->resume();
 }
 
 void Interpreter::takeSignals() {

@@ -5,10 +5,13 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace flowmere::host {
+
+class OutputCapture;
 
 // An error that a script left uncaught.
 struct ScriptError {
@@ -17,12 +20,20 @@ struct ScriptError {
     std::string text;      // what the exception says
     std::string traceback; // the whole report, with a line end
     bool interrupt = false;
+    // The innermost place that lies in a script of the user's, or that of the fault itself where a script does not
+    // compile. Below a script root the file is told from there, unless another root has a file of that name too.
+    std::string file;   // empty when no script of the user's was running
+    int line = 0;       // 0 for none
+    std::string source; // that line, without the blanks around it; empty where it cannot be read
 };
+
+// The error on one line: "FILE:LINE: `SOURCE`: TYPE: TEXT". What is not known is left out.
+std::string errorText(ScriptError const& error);
 
 // A piece of what a script printed.
 struct PrintedText {
     bool isError = false; // to standard error
-    std::string text;
+    std::string text;     // as it was written: any bytes
 };
 
 // Starts with the first call of start() and stays up to the end of the process.
@@ -51,6 +62,22 @@ public:
     // From now on hostServices().outputBegins is called before scripts print.
     void watchOutput();
 
+    // From now on everything that is printed is kept for takePrinted(), and goes on to where it went before all the
+    // same: what scripts print, what the programs that they start print, and what C code writes to the files 1 and 2.
+    // printOut() and printError() stay outside. With `allToError` standard output goes on to standard error. Throws
+    // Failure when the machine has no process or file left for it. Nothing when it is on already.
+    void captureOutput(bool allToError = false);
+    // What was printed since the last call, in order, one piece for each stretch to one of the two streams. After
+    // finishTick() it is all that the block has printed, but for what it left running. Empty while nothing is kept.
+    std::vector<PrintedText> takePrinted();
+    // The end of captureOutput(): the files are those of before. What was not taken is still there to be taken.
+    void releaseOutput();
+    // Waits until all that was printed is where it goes to, so that printOut() comes behind it.
+    void settleOutput();
+    // Between the two, what is printed is no output of a block: it goes where it would go without captureOutput().
+    void pauseCapture();
+    void resumeCapture();
+
     // From now on Ctrl-C stops the script that runs, and interrupted() is true; a second one ends the program at once
     // with exit code 130. Writing to a pipe that nobody reads becomes an error and ends nothing.
     void takeSignals();
@@ -61,9 +88,13 @@ public:
 
 private:
     Interpreter();
+    ~Interpreter();
+    ScriptError errorOf(std::string const& type, std::string const& text) const;
 
     std::function<std::string()> m_executingBlock;
     std::vector<ScriptError> m_errors;
+    std::unique_ptr<OutputCapture> m_capture;
+    std::vector<PrintedText> m_printed;
 };
 
 } // namespace flowmere::host

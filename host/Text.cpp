@@ -96,6 +96,9 @@ bool writeAll(int file, std::string_view text) {
     return true;
 }
 
+int outputFile = STDOUT_FILENO;
+int errorFile = STDERR_FILENO;
+
 } // namespace
 
 std::string utf8(wchar_t const* text) {
@@ -194,12 +197,17 @@ std::string jsonText(Json const& document) {
 
 void printOut(std::string_view text) {
     errno = 0;
-    if (std::fflush(stdout) != 0 || !writeAll(STDOUT_FILENO, text))
+    if (std::fflush(stdout) != 0 || !writeAll(outputFile, text))
         throw Failure("standard output", "", std::string("cannot be written: ") + std::strerror(errno));
 }
 
 void printError(std::string_view text) {
-    writeAll(STDERR_FILENO, text);
+    writeAll(errorFile, text);
+}
+
+void setOutputFiles(int output, int error) {
+    outputFile = output;
+    errorFile = error;
 }
 
 } // namespace flowmere::host

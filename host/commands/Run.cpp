@@ -201,10 +201,6 @@ std::string blockLine(BlockRun const& run, std::size_t width) {
     return line + "\n";
 }
 
-std::string errorText(ScriptError const& error) {
-    return error.text.empty() ? error.type : error.type + ": " + error.text;
-}
-
 Json toJson(BlockRun const& run) {
     Json block = {{"path", run.path}, {"milliseconds", run.milliseconds}, {"state", stateName(run.state)}};
     block["outputs"] = Json::object();

@@ -3,6 +3,8 @@
 import importlib
 import importlib.machinery
 import io
+import linecache
+import os
 import signal
 import sys
 import traceback
@@ -12,6 +14,10 @@ import _flowmere
 _script_roots = []
 _no_bytecode = ""
 _last_reported = None
+# Folders whose modules are no scripts, even where a script root holds them.
+_own_homes = []
+# Letters of a source line that a message shows.
+_LONGEST_SOURCE = 120
 
 
 class _SourceLoader(importlib.machinery.SourceFileLoader):
@@ -50,32 +56,50 @@ def set_up(module_folder):
     """Once, before anything else runs."""
     global _no_bytecode
     _no_bytecode = module_folder + "/no-bytecode"
+    _own_homes[:] = [module_folder, os.path.dirname(os.__file__)]
     sys.dont_write_bytecode = True
     sys.path_hooks.insert(0, _ScriptFinder)
     sys.argv = ["flowmere"]
-    for stream in (sys.stdout, sys.stderr):
+    for name in ("stdout", "stderr"):
+        stream = getattr(sys, name)
         if stream is not None:
-            stream.reconfigure(line_buffering=True, write_through=True)
+            stream = _Stream(stream, name == "stderr")
+            setattr(sys, name, stream)
+            setattr(sys, "__" + name + "__", stream)
     signal.signal(signal.SIGINT, signal.default_int_handler)
     sys.excepthook = report
 
 
-class _WatchedStream(io.TextIOWrapper):
-    """Tells the program before something is printed, so that it can take its own line away."""
+class _Direct(io.BufferedWriter):
+    """Keeps nothing back: a script may end the program at any time."""
+
+    def write(self, data):
+        count = super().write(data)
+        self.flush()
+        return count
+
+
+class _Stream(io.TextIOWrapper):
+    """One of the two streams. Once it is watched it tells the program before something is printed."""
+
+    is_watched = False
+
+    def __init__(self, stream, is_error):
+        encoding, errors = stream.encoding, stream.errors
+        stream.flush()
+        super().__init__(_Direct(stream.detach().detach()), encoding, errors, write_through=True)
+        self.mode = "w"
+        self._is_error = is_error
 
     def write(self, text):
-        _flowmere.output_begins()
+        if _Stream.is_watched:
+            _flowmere.before_print(self._is_error)
         return super().write(text)
 
 
 def watch_output():
-    for name in ("stdout", "stderr"):
-        stream = getattr(sys, name)
-        if stream is not None and not isinstance(stream, _WatchedStream):
-            encoding, errors = stream.encoding, stream.errors
-            watched = _WatchedStream(stream.detach(), encoding, errors, line_buffering=True, write_through=True)
-            setattr(sys, name, watched)
-            setattr(sys, "__" + name + "__", watched)
+    _Stream.is_watched = True
+    _flowmere.watch_programs()
 
 
 def set_script_roots(roots, module_folder):
@@ -95,12 +119,51 @@ def set_script_roots(roots, module_folder):
     importlib.invalidate_caches()
 
 
+def _lies_in_scripts(path):
+    return any(_lies_in(path, root) for root in _script_roots) and not any(_lies_in(path, home) for home in _own_homes)
+
+
+def _short_name(path):
+    """The file below the script root that holds it, or the whole path where that could be another file too."""
+    root = max((root for root in _script_roots if _lies_in(path, root)), key=len)
+    name = os.path.relpath(path, root)
+    others = (os.path.join(other, name) for other in _script_roots if other != root)
+    return path if any(os.path.exists(other) for other in others) else name
+
+
+def _source_line(path, number):
+    linecache.checkcache(path)
+    line = linecache.getline(path, number).strip()
+    return line if len(line) <= _LONGEST_SOURCE else line[:_LONGEST_SOURCE] + "..."
+
+
+def _place_of(value, trace):
+    """File, line and source line of the user's script at which it went wrong."""
+    path, number = "", 0
+    for frame, line in traceback.walk_tb(trace):
+        if _lies_in_scripts(frame.f_code.co_filename):
+            path, number = frame.f_code.co_filename, line
+    if _is_fault_of_file(value):
+        path, number = value.filename, value.lineno
+    if not path:
+        return "", 0, ""
+    return _printable(_short_name(path)), number or 0, _printable(_source_line(path, number or 0))
+
+
+def _is_fault_of_file(value):
+    return isinstance(value, SyntaxError) and isinstance(value.filename, str) and _lies_in_scripts(value.filename)
+
+
+def _printable(text):
+    return text.encode("utf-8", "replace").decode("utf-8")
+
+
 def _text_of(value):
     try:
-        text = str(value)
+        text = str(value.msg if _is_fault_of_file(value) else value)
     except Exception:
         text = "(an exception that has no text)"
-    return text.encode("utf-8", "replace").decode("utf-8")
+    return _printable(text)
 
 
 def report(kind, value, trace):
@@ -108,20 +171,10 @@ def report(kind, value, trace):
     global _last_reported
     _last_reported = value
     interrupt = issubclass(kind, KeyboardInterrupt)
-    lines = "".join(traceback.format_exception(kind, value, trace)).encode("utf-8", "replace").decode("utf-8")
+    lines = _printable("".join(traceback.format_exception(kind, value, trace)))
     if not interrupt:
-        _write("block {}: {}".format(_flowmere.executing_path(), lines))
-    _flowmere.report_error(kind.__name__, _text_of(value), lines, interrupt)
-
-
-def _write(text):
-    for stream in (sys.stderr, sys.__stderr__):
-        try:
-            stream.write(text)
-            stream.flush()
-            return
-        except Exception:
-            continue
+        _flowmere.print_error("block {}: {}".format(_flowmere.executing_path(), lines))
+    _flowmere.report_error(kind.__name__, _text_of(value), lines, interrupt, *_place_of(value, trace))
 
 
 def finish_tick(script_name):
@@ -145,6 +198,7 @@ def finish_tick(script_name):
         except Exception:
             pass
     importlib.invalidate_caches()
+    _flowmere.tick_ends()
 
 
 def _is_callable(script_name):

@@ -427,7 +427,7 @@ protected:
 
 TEST_F(FailingScript, ThatRaisesEndsTheRunAndShowsItsTraceback) {
     study.scriptOf("B", "print('before')\nraise ValueError('bad beam')");
-    ProgramRun const run = expectFailure("ValueError: bad beam");
+    ProgramRun const run = expectFailure("s/B.py:14: `raise ValueError('bad beam')`: ValueError: bad beam");
     EXPECT_EQ(withoutTimes(run.out), "A  # ms  Executed\nS  # ms  Executed\nbefore\nS.B  # ms  Failed\n"
                                      "failed: 2 blocks executed,  # ms\n");
     std::string const file = (study.path() / "s/B.py").string();
@@ -435,12 +435,14 @@ TEST_F(FailingScript, ThatRaisesEndsTheRunAndShowsItsTraceback) {
                                                "  File \"B.py\", line 14, in Execute\n"
                                                "    raise ValueError('bad beam')\n"
                                                "ValueError: bad beam\n"
-                                               "flowmere: p.xml: S.B: ValueError: bad beam\n");
+                                               "flowmere: p.xml: S.B: s/B.py:14: `raise ValueError('bad beam')`: "
+                                               "ValueError: bad beam\n");
 }
 
 TEST_F(FailingScript, IsToldInJsonWithItsTraceback) {
     study.scriptOf("B", "raise ValueError('bad\\nbeam')");
-    json const document = jsonOf(expectFailure("ValueError: bad\\nbeam", {"--json"}));
+    json const document =
+        jsonOf(expectFailure("s/B.py:13: `raise ValueError('bad\\nbeam')`: ValueError: bad\\nbeam", {"--json"}));
     EXPECT_EQ(document["end"], "failed");
     EXPECT_EQ(document["next"], nullptr);
     json const failed = document["blocks"].back();
@@ -470,7 +472,8 @@ TEST_F(FailingScript, CanBeUndoneAndTriedAgain) {
 
 TEST_F(FailingScript, IsNotSteppedOver) {
     study.scriptOf("B", "raise ValueError('bad beam')");
-    ProgramRun const run = expectFailure("ValueError: bad beam", {"--step", "4"});
+    ProgramRun const run =
+        expectFailure("s/B.py:13: `raise ValueError('bad beam')`: ValueError: bad beam", {"--step", "4"});
     EXPECT_THAT(run.out, HasSubstr("nothing to step to: a block has failed and is not undone\nfailed: 2 blocks"));
 }
 
@@ -479,7 +482,7 @@ TEST_F(FailingScript, ThatExitsIsAFailureAndNotTheEnd) {
         study.scriptOf("B", statement);
         ProgramRun const run = study.run();
         EXPECT_EQ(run.exitCode, 1) << statement;
-        EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: SystemExit")) << statement;
+        EXPECT_THAT(run.err, HasSubstr("`: SystemExit")) << statement;
         EXPECT_THAT(run.out, HasSubstr("failed: 2 blocks executed")) << statement;
     }
 }
@@ -498,14 +501,14 @@ TEST_F(FailingScript, ThatDoesNotCompile) {
     study.scriptText("B", "class B:\n    def Execute(self)\n        pass\n");
     ProgramRun const run = study.run();
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: SyntaxError: expected ':' (B.py, line 2)\n"));
+    EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: s/B.py:2: `def Execute(self)`: SyntaxError: expected ':'\n"));
 }
 
 TEST_F(FailingScript, WithBytesThatAreNoUtf8) {
     study.scriptText("B", "class B:\n    text = '\xE4'\n");
     ProgramRun const run = study.run();
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: SyntaxError: "));
+    EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: s/B.py:2: SyntaxError: "));
 }
 
 TEST_F(FailingScript, ThatIsEmptyOrWithoutItsClass) {
@@ -529,24 +532,25 @@ TEST_F(FailingScript, WithoutTheMethod) {
 
 TEST_F(FailingScript, ThatTakesTheHookAway) {
     study.scriptOf("B", "import sys\nsys.excepthook = lambda *rest: None\nraise ValueError('hidden')");
-    expectFailure("ValueError: hidden");
+    expectFailure("s/B.py:15: `raise ValueError('hidden')`: ValueError: hidden");
 }
 
 TEST_F(FailingScript, ThatClosesItsOutput) {
     study.scriptOf("B", "import sys\nsys.stdout.close()\nsys.stderr = None\nraise ValueError('mute')");
-    expectFailure("ValueError: mute");
+    expectFailure("s/B.py:16: `raise ValueError('mute')`: ValueError: mute");
 }
 
 TEST_F(FailingScript, WhoseExceptionHasNoText) {
     study.scriptOf("B", "class Odd(Exception):\n    def __str__(self):\n        raise KeyError('x')\nraise Odd()");
     ProgramRun const run = study.run();
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: Odd: (an exception that has no text)\n"));
+    EXPECT_THAT(run.err,
+                HasSubstr("flowmere: p.xml: S.B: s/B.py:16: `raise Odd()`: Odd: (an exception that has no text)\n"));
 }
 
 TEST_F(FailingScript, ThatRecursesForEver) {
     study.scriptOf("B", "def again():\n    again()\nagain()");
-    expectFailure("RecursionError: maximum recursion depth exceeded");
+    expectFailure("s/B.py:14: `again()`: RecursionError: maximum recursion depth exceeded");
 }
 
 TEST_F(FailingScript, WithAnUnknownVariableIsGivenNearNames) {
@@ -560,14 +564,16 @@ TEST_F(FailingScript, WithAnUnknownVariableIsGivenNearNames) {
 
 TEST_F(FailingScript, WithAnUnknownComClass) {
     study.scriptOf("B", "win32com.client.Dispatch('Excel.Application')");
-    expectFailure("com_error: there is no COM class 'Excel.Application'; there are "
-                  "ProcessExecutive.ProcessExecutiveApi and ProcessExecutive.Variables");
+    expectFailure(
+        "s/B.py:13: `win32com.client.Dispatch('Excel.Application')`: com_error: there is no COM class 'Excel.Application'; there are "
+        "ProcessExecutive.ProcessExecutiveApi and ProcessExecutive.Variables");
 }
 
 TEST_F(FailingScript, WithAGripThatIsNone) {
     for (std::string const grip : {"0", "9", "-1"}) {
         study.scriptOf("B", "api.setActiveHandle(" + grip + ")");
-        expectFailure("ValueError: a grip is a number from 1 to 8, not " + grip);
+        expectFailure("s/B.py:13: `api.setActiveHandle(" + grip +
+                      ")`: ValueError: a grip is a number from 1 to 8, not " + grip);
     }
 }
 
@@ -584,7 +590,8 @@ TEST_F(FailingScript, ReportsEachErrorOfACompanionToo) {
     study.scriptText("BBlock", "raise ValueError('in the companion')\n");
     ProgramRun const run = study.run();
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: ValueError: in the companion\n"));
+    EXPECT_THAT(run.err, HasSubstr("flowmere: p.xml: S.B: s/BBlock.py:1: `raise ValueError('in the companion')`: "
+                                   "ValueError: in the companion\n"));
 }
 
 // Ctrl-C
