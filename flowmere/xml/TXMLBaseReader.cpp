@@ -10,6 +10,9 @@
 
 namespace {
 
+constexpr wchar_t kNoPath[] = L"its name is empty";
+constexpr wchar_t kNotUp[] = L"the parser does not come up";
+
 // The attribute's value, null when it is absent: an attribute that is present with the empty text is not absent.
 XMLCh const* valueOf(xercesc::DOMElement* element, wchar_t const* name) {
     if (!element || !name) {
@@ -26,15 +29,27 @@ CTXMLBaseReader::CTXMLBaseReader(CTXMLBaseReader const& other) = default;
 CTXMLBaseReader& CTXMLBaseReader::operator=(CTXMLBaseReader const& other) = default;
 CTXMLBaseReader::~CTXMLBaseReader() = default;
 
+void CTXMLBaseReader::keepError(flowmere::XmlError const& error) {
+    m_strErrorText = error.cause;
+    m_nErrorLine = error.line;
+    m_nErrorColumn = error.column;
+}
+
 bool CTXMLBaseReader::Initialize(wchar_t const* path) {
     m_pDocument = nullptr;
     try {
+        flowmere::XmlError error;
         auto holder = std::make_shared<flowmere::XmlDocumentHolder>();
-        if (path && *path && holder->platform.isUp()) {
-            holder->document = flowmere::parseXmlFile(path);
+        if (!path || !*path) {
+            error.cause = kNoPath;
+        } else if (holder->platform.isUp()) {
+            holder->document = flowmere::parseXmlFile(path, flowmere::Indentation::Gather, &error);
             m_pDocument = holder->document.get();
+        } else {
+            error.cause = kNotUp;
         }
         m_pHolder = std::move(holder);
+        keepError(error);
     } catch (...) {
         m_pDocument = nullptr;
         m_pHolder.reset();
@@ -43,12 +58,18 @@ bool CTXMLBaseReader::Initialize(wchar_t const* path) {
 }
 
 bool CTXMLBaseReader::InitXML(wchar_t const* path, xercesc::DOMDocument** out) {
-    if (!path || !*path || !out) {
-        return false;
-    }
     try {
+        flowmere::XmlError error;
         flowmere::XmlPlatform const platform;
-        flowmere::XmlDocumentPointer document = platform.isUp() ? flowmere::parseXmlFile(path) : nullptr;
+        flowmere::XmlDocumentPointer document;
+        if (!path || !*path || !out) {
+            error.cause = kNoPath;
+        } else if (platform.isUp()) {
+            document = flowmere::parseXmlFile(path, flowmere::Indentation::Gather, &error);
+        } else {
+            error.cause = kNotUp;
+        }
+        keepError(error);
         if (!document) {
             return false;
         }

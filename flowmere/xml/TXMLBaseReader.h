@@ -9,7 +9,8 @@
 
 namespace flowmere {
 class XmlDocumentHolder;
-}
+struct XmlError;
+} // namespace flowmere
 
 // Parses an XML file into a document and pulls typed values out of its elements.
 //
@@ -31,6 +32,13 @@ public:
 
     // Parses the file into a document that the caller owns and frees by its release(). On false `out` is untouched.
     bool InitXML(wchar_t const* path, XERCES_CPP_NAMESPACE::DOMDocument** out);
+
+    // Why the last Initialize or InitXML gave false: the first error of the file in words, with its line and column,
+    // which count from 1. Where no place is known, as for a file that cannot be opened, line and column are 0. All
+    // three are empty before the first call and behind one that gave true. The text stays until the next call.
+    wchar_t const* GetErrorText() const { return m_strErrorText; }
+    int GetErrorLine() const { return m_nErrorLine; }
+    int GetErrorColumn() const { return m_nErrorColumn; }
 
     // Finds the direct child element of that name: the first with a negative index, else the one with that many equal
     // ones before it. A null parent looks at the root element of the reader's document. On false `out` is untouched;
@@ -64,5 +72,10 @@ protected:
     XERCES_CPP_NAMESPACE::DOMDocument* m_pDocument = nullptr;
 
 private:
+    void keepError(flowmere::XmlError const& error);
+
+    TuString m_strErrorText;
+    int m_nErrorLine = 0;
+    int m_nErrorColumn = 0;
     std::shared_ptr<flowmere::XmlDocumentHolder> m_pHolder; // owns the document and one use of the parser library
 };

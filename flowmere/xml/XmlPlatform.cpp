@@ -2,12 +2,16 @@
 
 #include "flowmere/foundation/Files.h"
 #include "flowmere/foundation/Immortal.h"
+#include "flowmere/xml/XmlText.h"
 
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLErrorCodes.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/Locator.hpp>
 #include <xercesc/util/BinMemInputStream.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
@@ -21,6 +25,7 @@
 #include <algorithm>
 #include <bitset>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -55,6 +60,17 @@ constexpr XMLSize_t kMemoryPerByte = 512;
 
 // The file is beyond a limit. Nobody but parse sees it: the library passes it on untouched.
 struct LimitExceeded {};
+
+constexpr wchar_t kTooDeep[] = L"its elements are nested deeper than 1024 levels";
+static_assert(kMaxElementDepth == 1024);
+constexpr wchar_t kTooManyAttributes[] = L"an element has too many attributes";
+constexpr wchar_t kTooManyNames[] = L"it has too many different names";
+constexpr wchar_t kTooManyExpansions[] = L"it refers to entities too often";
+constexpr wchar_t kTooLargeEntity[] = L"an entity is too large";
+constexpr wchar_t kTooMuchText[] = L"its document type makes too much of it";
+constexpr wchar_t kTooMuchMemory[] = L"it takes too much memory for its size";
+constexpr wchar_t kNotReadable[] = L"it cannot be read";
+constexpr wchar_t kNotWellFormed[] = L"no well-formed XML";
 
 // Answers every question for an external entity with nothing, so that nothing outside the file is opened.
 class NothingOutside final : public xercesc::XMLEntityResolver {
@@ -158,19 +174,28 @@ private:
 
 class HardenedParser final : public xercesc::XercesDOMParser {
 public:
-    HardenedParser(XMLSize_t fileSize, Indentation indentation)
-        : XercesDOMParser(nullptr, countedMemory()), m_volume(kFreeVolume + kVolumePerByte * fileSize),
-          m_gathersIndentation(indentation == Indentation::Gather) {}
+    // The first error goes to `error`, which outlives the parser.
+    HardenedParser(XMLSize_t fileSize, Indentation indentation, XmlError& error)
+        : XercesDOMParser(nullptr, countedMemory()), m_error(error), m_volume(kFreeVolume + kVolumePerByte * fileSize),
+          m_gathersIndentation(indentation == Indentation::Gather) {
+        getScanner()->setErrorReporter(this); // which the base does only for a handler of its own kind
+    }
 
     void startElement(xercesc::XMLElementDecl const& element, unsigned int const uri, XMLCh const* const prefix,
                       xercesc::RefVectorOf<xercesc::XMLAttr> const& attributes, XMLSize_t const attributeCount,
                       bool const isEmpty, bool const isRoot) override {
-        if (++m_depth > kMaxElementDepth || attributeCount > kMaxAttributes || !m_names.add(element.getFullName())) {
-            throw LimitExceeded();
+        if (++m_depth > kMaxElementDepth) {
+            refuse(kTooDeep);
+        }
+        if (attributeCount > kMaxAttributes) {
+            refuse(kTooManyAttributes);
+        }
+        if (!m_names.add(element.getFullName())) {
+            refuse(kTooManyNames);
         }
         for (XMLSize_t i = 0; i < attributeCount; ++i) {
             if (!m_names.add(attributes.elementAt(i)->getName())) {
-                throw LimitExceeded();
+                refuse(kTooManyNames);
             }
         }
         if (static_cast<std::size_t>(m_depth) == m_levels.size()) {
@@ -227,7 +252,7 @@ public:
         if (XMLCh const* const value = entity.getValue()) {
             XMLSize_t const length = xercesc::XMLString::stringLen(value);
             if (length > (isParameter ? kMaxParameterEntityLength : kMaxEntityLength)) {
-                throw LimitExceeded();
+                refuse(kTooLargeEntity);
             }
             m_longestEntity = std::max(m_longestEntity, length);
             checkAttributeLists();
@@ -247,6 +272,22 @@ public:
         XercesDOMParser::attDef(element, attribute, isIgnored);
     }
 
+    // The base's own would throw without a handler; the library goes on as if nobody were told.
+    void error(unsigned int const code, XMLCh const* const, xercesc::XMLErrorReporter::ErrTypes const type,
+               XMLCh const* const text, XMLCh const* const, XMLCh const* const, XMLFileLoc const line,
+               XMLFileLoc const column) override {
+        if (type == xercesc::XMLErrorReporter::ErrType_Warning || !m_error.cause.IsEmpty()) {
+            return;
+        }
+        if (code == xercesc::XMLErrs::EntityExpansionLimitExceeded) {
+            m_error.cause = kTooManyExpansions;
+        } else {
+            assignText(m_error.cause, xmlView(text));
+            m_error.cause = TuString(kNotWellFormed) + L": " + m_error.cause;
+        }
+        setPlace(line, column);
+    }
+
 private:
     // An open element.
     struct Level {
@@ -254,16 +295,32 @@ private:
         bool hasText = false;
     };
 
+    void setPlace(XMLFileLoc line, XMLFileLoc column) const {
+        constexpr XMLFileLoc kMost = std::numeric_limits<int>::max();
+        m_error.line = static_cast<int>(std::min(line, kMost));
+        m_error.column = static_cast<int>(std::min(column, kMost));
+    }
+
+    [[noreturn]] void refuse(wchar_t const* cause) const {
+        if (m_error.cause.IsEmpty()) {
+            m_error.cause = cause;
+            if (xercesc::Locator const* const place = getScanner()->getLocator()) {
+                setPlace(place->getLineNumber(), place->getColumnNumber());
+            }
+        }
+        throw LimitExceeded();
+    }
+
     void spend(XMLSize_t amount) {
         if (amount > m_volume) {
-            throw LimitExceeded();
+            refuse(kTooMuchText);
         }
         m_volume -= amount;
     }
 
     void checkAttributeLists() const {
         if (m_hasAttributeLists && m_longestEntity > kMaxEntityLengthBesideAttributeLists) {
-            throw LimitExceeded();
+            refuse(kTooLargeEntity);
         }
     }
 
@@ -274,6 +331,7 @@ private:
         }
     }
 
+    XmlError& m_error;
     int m_depth = 0;
     XMLSize_t m_volume; // characters that may still come
     NameCount m_names;
@@ -330,36 +388,55 @@ void applyParserSettings(xercesc::XercesDOMParser& parser) {
     parser.setExitOnFirstFatalError(true);
 }
 
-XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation) noexcept {
+XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation, XmlError* error) noexcept {
+    XmlError found;
     try {
         MemoryAllowance const allowance(kFreeMemory + kMemoryPerByte * bytes.size());
         xercesc::SecurityManager expansion;
         expansion.setEntityExpansionLimit(std::max(kMaxEntityExpansions, bytes.size() / kBytesPerEntityExpansion));
-        HardenedParser parser(bytes.size(), indentation);
-        applyParserSettings(parser);
-        parser.setSecurityManager(&expansion);
-        xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(bytes.empty() ? "" : bytes.data()),
-                                          bytes.size(), "file");
-        source.setCopyBufToStream(false);
-        parser.parse(source);
-        // A malformed file throws nothing here and leaves a part of a tree, so the errors decide.
-        XmlDocumentPointer document(parser.adoptDocument());
-        if (parser.getErrorCount() != 0 || allowance.isExceeded() || !document || !document->getDocumentElement()) {
-            return nullptr;
+        try {
+            HardenedParser parser(bytes.size(), indentation, found);
+            applyParserSettings(parser);
+            parser.setSecurityManager(&expansion);
+            xercesc::MemBufInputSource source(reinterpret_cast<XMLByte const*>(bytes.empty() ? "" : bytes.data()),
+                                              bytes.size(), "file");
+            source.setCopyBufToStream(false);
+            parser.parse(source);
+            // A malformed file throws nothing here and leaves a part of a tree, so the errors decide.
+            XmlDocumentPointer document(parser.adoptDocument());
+            if (parser.getErrorCount() == 0 && !allowance.isExceeded() && document && document->getDocumentElement()) {
+                return document;
+            }
+        } catch (...) {
+            // What was found so far tells why.
         }
-        return document;
+        if (error) {
+            if (allowance.isExceeded()) {
+                found = {kTooMuchMemory, 0, 0};
+            } else if (found.cause.IsEmpty()) {
+                found.cause = kNotWellFormed;
+            }
+            *error = found;
+        }
     } catch (...) {
-        return nullptr;
+        // No memory left to tell it.
     }
+    return nullptr;
 }
 
-XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation) noexcept {
+XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation, XmlError* error) noexcept {
     try {
         std::string bytes;
-        return readFile(path, bytes) ? parseXmlBytes(bytes, indentation) : nullptr;
+        if (readFile(path, bytes)) {
+            return parseXmlBytes(bytes, indentation, error);
+        }
+        if (error) {
+            *error = {kNotReadable, 0, 0};
+        }
     } catch (...) {
-        return nullptr;
+        // No memory left to tell it.
     }
+    return nullptr;
 }
 
 } // namespace flowmere

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flowmere/foundation/TuString.h"
 #include "flowmere/xml/XmlForward.h"
 
 #include <cstddef>
@@ -44,11 +45,21 @@ public:
 // text nodes joined, is the same either way.
 enum class Indentation { Gather, Keep };
 
+// Why a parse came to nothing, and where: the first error of the file.
+struct XmlError {
+    TuString cause;
+    int line = 0; // from 1, as the column; both 0 where no place is known
+    int column = 0;
+};
+
 // Parse with the hardened parser: no external entities, no document type loading, limits on entity expansion, depth,
 // text volume, memory and the number of different names; errors are collected and never printed. Null for anything but
-// a well-formed document within the limits. Nothing is thrown. The library must be up.
-XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation = Indentation::Gather) noexcept;
-XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation = Indentation::Gather) noexcept;
+// a well-formed document within the limits; `error` is then filled, and otherwise left alone. Nothing is thrown. The
+// library must be up.
+XmlDocumentPointer parseXmlFile(wchar_t const* path, Indentation indentation = Indentation::Gather,
+                                XmlError* error = nullptr) noexcept;
+XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation = Indentation::Gather,
+                                 XmlError* error = nullptr) noexcept;
 
 // The settings of that parser on a plain one, which then lacks the limits on depth, volume and memory, takes no more
 // entities for a large file and keeps all white space. The parser keeps pointers to objects that live as long as the

@@ -134,6 +134,61 @@ TEST_F(ReaderFile, InitXMLLeavesOutUntouchedOnFailure) {
     EXPECT_EQ(marker, document);
 }
 
+// --- Errors ---
+
+TEST_F(ReaderFile, AFailureTellsItsCauseAndPlace) {
+    struct Row {
+        char const* text;
+        char const* cause;
+        int line;
+        int column;
+    };
+    OpenReader reader;
+    auto const expectError = [&](char const* cause, int line, int column) {
+        EXPECT_THAT(flowmere::test::narrow(reader.GetErrorText()), testing::StartsWith(cause));
+        EXPECT_EQ(line, reader.GetErrorLine()) << cause;
+        EXPECT_EQ(column, reader.GetErrorColumn()) << cause;
+    };
+    expectError("", 0, 0);
+    EXPECT_STREQ(L"", reader.GetErrorText());
+    for (Row const& row : {Row{"<r>\n</s>", "no well-formed XML: expected end of tag 'r'", 2, 3},
+                           Row{"<r>\n\n  &x;</r>", "no well-formed XML: entity 'x' not found", 3, 6}}) {
+        folder.write("bad.xml", row.text);
+        folder.write("good.xml", "<r/>");
+        EXPECT_FALSE(reader.Initialize(folder.text("bad.xml")));
+        expectError(row.cause, row.line, row.column);
+        EXPECT_TRUE(reader.Initialize(folder.text("good.xml")));
+        EXPECT_STREQ(L"", reader.GetErrorText());
+        expectError("", 0, 0);
+        xercesc::DOMDocument* document = nullptr;
+        EXPECT_FALSE(reader.InitXML(folder.text("bad.xml"), &document));
+        expectError(row.cause, row.line, row.column);
+        EXPECT_NE(nullptr, reader.document()) << "the document that is open stays";
+        ASSERT_TRUE(reader.InitXML(folder.text("good.xml"), &document));
+        document->release();
+        expectError("", 0, 0);
+    }
+    EXPECT_FALSE(reader.Initialize(folder.text("missing.xml")));
+    expectError("it cannot be read", 0, 0);
+    EXPECT_FALSE(reader.Initialize(L""));
+    expectError("its name is empty", 0, 0);
+    EXPECT_FALSE(reader.Initialize(folder.text()));
+    expectError("it cannot be read", 0, 0);
+    EXPECT_FALSE(reader.InitXML(nullptr, nullptr));
+    expectError("its name is empty", 0, 0);
+}
+
+TEST_F(ReaderFile, CopiesTakeTheError) {
+    folder.write("bad.xml", "<r>\n</s>");
+    OpenReader reader;
+    EXPECT_FALSE(reader.Initialize(folder.text("bad.xml")));
+    OpenReader const copy(reader);
+    EXPECT_EQ(2, copy.GetErrorLine());
+    EXPECT_FALSE(reader.Initialize(reader.GetErrorText())) << "a text of the reader's own as path";
+    EXPECT_STREQ(L"it cannot be read", reader.GetErrorText());
+    EXPECT_EQ(2, copy.GetErrorLine());
+}
+
 // --- GetElement ---
 
 TEST(CTXMLBaseReader, GetElementFindsTheFirstDirectChild) {

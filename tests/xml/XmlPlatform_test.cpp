@@ -1,5 +1,6 @@
 #include "XmlTestSupport.h"
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 
@@ -138,6 +139,91 @@ TEST_F(HardenedParser, TakesUpTo1024NestedElements) {
 TEST_F(HardenedParser, SiblingsAreNoDepth) {
     EXPECT_TRUE(parseXmlBytes("<r>" + repeat("<a><b/></a>", 5000) + "</r>"));
     EXPECT_TRUE(parseXmlBytes("<r>" + repeat("<a/>", 5000) + "</r>"));
+}
+
+// --- Why and where ---
+
+TEST_F(HardenedParser, TellsThePlaceOfTheFirstError) {
+    struct Row {
+        char const* xml;
+        int line;
+        int column;
+        char const* cause;
+    };
+    for (Row const& row :
+         {Row{"<r>\n <a>\n </b>\n</r>", 3, 4, "no well-formed XML: expected end of tag 'a'"},
+          Row{"<r>\n<a", 2, 3, "no well-formed XML: "},
+          Row{"<r>\r\n  <a x='1' x='2'/>\r\n</r>", 2, 14, "no well-formed XML: attribute 'x' is already specified"},
+          Row{"<r>&none;</r>", 1, 10, "no well-formed XML: entity 'none' not found"},
+          Row{"", 1, 1, "no well-formed XML: "}, Row{"text", 1, 1, "no well-formed XML: "},
+          Row{"<r/>\n<s/>", 2, 1, "no well-formed XML: "}, Row{"<r>\n\n\xFF</r>", 3, 1, "no well-formed XML: "}}) {
+        flowmere::XmlError error;
+        EXPECT_FALSE(parseXmlBytes(row.xml, flowmere::Indentation::Gather, &error)) << row.xml;
+        EXPECT_EQ(row.line, error.line) << row.xml;
+        EXPECT_EQ(row.column, error.column) << row.xml;
+        EXPECT_THAT(flowmere::test::narrow(error.cause), testing::StartsWith(row.cause)) << row.xml;
+    }
+}
+
+TEST_F(HardenedParser, TellsWhichLimitWasMet) {
+    struct Row {
+        std::string xml;
+        char const* cause;
+        bool hasPlace;
+    };
+    std::string attributes = "<r>\n<a";
+    for (int i = 0; i < 10001; ++i) {
+        attributes += " a" + std::to_string(i) + "='1'";
+    }
+    std::string names = "<r>\n";
+    for (int i = 0; i < 40000; ++i) {
+        names += "<a" + std::to_string(i) + "/>\n";
+    }
+    std::string const entity = "<!DOCTYPE r [\n<!ENTITY e '" + std::string(4000, 'x') + "'>";
+    for (Row const& row :
+         {Row{repeat("<e>\n", 1025), "its elements are nested deeper than 1024 levels", true},
+          Row{attributes + "/></r>", "an element has too many attributes", true},
+          Row{names, "it has too many different names", true},
+          Row{"<!DOCTYPE r [\n<!ENTITY e 'x'>]>\n<r>" + repeat("&e;", 1001) + "</r>", "it refers to entities too often",
+              true},
+          Row{"<!DOCTYPE r [\n<!ENTITY e '" + std::string(100000, 'x') + "'>]>\n<r/>", "an entity is too large", true},
+          Row{"<!DOCTYPE r [\n<!ATTLIST e a CDATA '" + std::string(100000, 'x') + "'>]><r>" + repeat("<e/>\n", 3000) +
+                  "</r>",
+              "its document type makes too much of it", true},
+          Row{entity + "<!ATTLIST r a CDATA '" + repeat("&e;", 300000) + "'>]>\n<r/>",
+              "it takes too much memory for its size", false}}) {
+        flowmere::XmlError error;
+        EXPECT_FALSE(parseXmlBytes(row.xml, flowmere::Indentation::Gather, &error)) << row.cause;
+        EXPECT_EQ(row.cause, flowmere::test::narrow(error.cause));
+        EXPECT_EQ(row.hasPlace, error.line > 1) << row.cause << " in line " << error.line;
+        EXPECT_EQ(row.hasPlace, error.column > 0) << row.cause << " in column " << error.column;
+    }
+}
+
+TEST_F(HardenedParser, LeavesTheErrorAloneWhereThereIsNone) {
+    flowmere::XmlError error{L"before", 7, 8};
+    EXPECT_TRUE(
+        parseXmlBytes("<!DOCTYPE r [<!ELEMENT r EMPTY>]><r><undeclared/></r>", flowmere::Indentation::Gather, &error));
+    EXPECT_STREQ(L"before", error.cause);
+    EXPECT_EQ(7, error.line);
+    EXPECT_EQ(8, error.column);
+    EXPECT_FALSE(flowmere::parseXmlFile(L"no such file", flowmere::Indentation::Gather, &error));
+    EXPECT_STREQ(L"it cannot be read", error.cause);
+    EXPECT_EQ(0, error.line);
+    EXPECT_EQ(0, error.column);
+}
+
+TEST_F(HardenedParser, EveryTruncatedFormHasACauseAndAPlace) {
+    std::string const whole = "<?xml version=\"1.0\"?>\n<r a=\"v\">\n<b>t&amp;<![CDATA[c]]></b>\n<!-- c --><?p i?></r>";
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        std::string const part = whole.substr(0, length);
+        flowmere::XmlError error;
+        EXPECT_FALSE(parseXmlBytes(part, flowmere::Indentation::Gather, &error)) << length;
+        EXPECT_FALSE(error.cause.IsEmpty()) << length;
+        EXPECT_GE(error.line, 1) << length;
+        EXPECT_LE(error.line, 1 + std::count(part.begin(), part.end(), '\n')) << length;
+        EXPECT_GE(error.column, 1) << length;
+    }
 }
 
 // --- Outside the file ---
