@@ -244,4 +244,8 @@ bool Interpreter::interrupted() const {
     return interruptCount > 0;
 }
 
+void Interpreter::forgetInterrupt() {
+    interruptCount = 0;
+}
+
 } // namespace flowmere::host

@@ -82,6 +82,8 @@ public:
     // with exit code 130. Writing to a pipe that nobody reads becomes an error and ends nothing.
     void takeSignals();
     bool interrupted() const;
+    // For a program that goes on: the next Ctrl-C is the first again.
+    void forgetInterrupt();
 
     Interpreter(Interpreter const&) = delete;
     Interpreter& operator=(Interpreter const&) = delete;
