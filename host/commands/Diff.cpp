@@ -1,0 +1,117 @@
+#include "host/commands/Diff.h"
+
+#include "host/Document.h"
+#include "host/Text.h"
+#include "host/diff/Compare.h"
+#include "host/diff/DiffText.h"
+#include "host/diff/Snapshot.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace flowmere::host {
+
+namespace {
+
+struct Options {
+    std::string first;
+    std::string second;
+    bool json = false;
+};
+
+// What the reader passed over is in neither snapshot, and may be the very thing that somebody looks for.
+void tellFindings(Document const& document) {
+    for (CFCReadFinding const& finding : document.findings()) {
+        std::string const text =
+            finding.kind == CFCReadFinding::FileNotRead
+                ? "the linked file " + utf8(finding.first) + " is missing or cannot be read"
+                : "a connector from " + utf8(finding.first) + " to " + utf8(finding.second) + " lacks a block";
+        printError(errorLine(document.file(), pathOf(*finding.node), text) + "\n");
+    }
+}
+
+// The document is closed again at once: a second one must not be open beside it.
+Snapshot readSnapshot(std::string const& file) {
+    Document const document(file);
+    tellFindings(document);
+    return snapshotOf(document.process());
+}
+
+struct Count {
+    Difference::Change change;
+    char const* name;
+    std::size_t count = 0;
+};
+
+std::array<Count, 4> countsOf(std::vector<Difference> const& differences) {
+    using Change = Difference::Change;
+    std::array<Count, 4> counts{{{Change::Added, "added"},
+                                 {Change::Removed, "removed"},
+                                 {Change::Moved, "moved"},
+                                 {Change::Changed, "changed"}}};
+    for (Count& count : counts)
+        count.count = static_cast<std::size_t>(
+            std::count_if(differences.begin(), differences.end(),
+                          [&](Difference const& difference) { return difference.change == count.change; }));
+    return counts;
+}
+
+std::string summaryOf(std::vector<Difference> const& differences) {
+    if (differences.empty())
+        return "no differences";
+    std::string parts;
+    for (Count const& count : countsOf(differences))
+        if (count.count > 0)
+            parts += fmt::format("{}{} {}", parts.empty() ? "" : ", ", count.count, count.name);
+    return counted(differences.size(), "difference") + ": " + parts;
+}
+
+std::string textOf(Options const& options, std::vector<Difference> const& differences) {
+    std::string out;
+    for (Difference const& difference : differences)
+        out += lineOf(difference) + "\n";
+    return out + fmt::format("{} -> {}: {}\n", oneLine(options.first), oneLine(options.second), summaryOf(differences));
+}
+
+Json jsonOf(Options const& options, std::vector<Difference> const& differences) {
+    Json out = {{"from", options.first}, {"to", options.second}};
+    for (Count const& count : countsOf(differences))
+        out[count.name] = count.count;
+    out["differences"] = Json::array();
+    for (Difference const& difference : differences)
+        out["differences"].push_back(jsonOf(difference));
+    return out;
+}
+
+int diff(Options const& options) {
+    Snapshot const first = readSnapshot(options.first);
+    Snapshot const second = readSnapshot(options.second);
+    std::vector<Difference> const differences = compare(first, second);
+    printOut(options.json ? jsonText(jsonOf(options, differences)) : textOf(options, differences));
+    return differences.empty() ? kExitWell : kExitFound;
+}
+
+} // namespace
+
+void addDiff(CLI::App& app, Result& result) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("diff", "Tell what changed from one document to another");
+    command->add_option("A", options->first, "The process document as it was")->required();
+    command->add_option("B", options->second, "The process document as it is")->required();
+    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
+    command->footer("Example:\n  flowmere diff beam.xml beam-new.xml\n\n"
+                    "A line for each difference: + for what is in B alone, - for what is in A alone, > for what was\n"
+                    "moved, ~ for what has another value. What a document does not keep does not count: two documents\n"
+                    "differ as far as it shows when they are read.\n"
+                    "Exit code: 0 no difference, 1 some, 2 a file cannot be read.");
+    command->callback([options, &result] { result.exitCode = diff(*options); });
+}
+
+} // namespace flowmere::host

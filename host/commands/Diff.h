@@ -1,0 +1,10 @@
+#pragma once
+
+#include "host/Command.h"
+
+namespace flowmere::host {
+
+// flowmere diff A B: what changed between two process documents.
+void addDiff(CLI::App& app, Result& result);
+
+} // namespace flowmere::host
