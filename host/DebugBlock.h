@@ -4,29 +4,28 @@
 
 #include "flowmere/Flowmere.h"
 
-#include <memory>
 #include <vector>
 
 namespace flowmere::host {
 
 class Document;
-class Interpreter;
 
 // A new block of the class that belongs to the type code, with the code as its type; the caller owns it. As long as no
 // Debugging lives it is as good as one of the library. Null for codes of other nodes, and when memory runs out.
 IFCNode* makeDebugBlock(int typeCode);
 
 // While this lives, blocks with a breakpoint run under the debugger, which stops at the first line of the method that
-// the block runs. It reads and writes where the program does, and what is printed at its prompt is no output of the
-// block. A block that fails opens it too, at the place of the error. Who quits the debugger interrupts the run. A
-// pipe that has no commands left lets the run go on without a further stop; on a terminal the end of the input quits.
+// the block runs. It reads and writes where the program does; what is printed at its prompt is no output of the block.
+// A block that fails opens it too, at the place of the error. Who quits the debugger interrupts the run. Where the
+// commands come from a pipe and are used up, the run goes on without a further stop; on a terminal the end of the
+// input quits.
 //
-// One at a time, made after the interpreter has started.
+// One at a time, after the interpreter has started.
 class Debugging {
 public:
     // Sets breakpoints at these blocks of the document, and takes them away again at the end. Throws Failure, exit code
     // 2, for a block that has no script.
-    Debugging(Interpreter& interpreter, Document& document, std::vector<CFCBlockNode*> const& at);
+    Debugging(Document& document, std::vector<CFCBlockNode*> const& at);
     ~Debugging();
     Debugging(Debugging const&) = delete;
     Debugging& operator=(Debugging const&) = delete;

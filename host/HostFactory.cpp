@@ -1,5 +1,7 @@
 #include "host/HostFactory.h"
 
+#include "host/DebugBlock.h"
+
 #include <new>
 
 namespace flowmere::host {
@@ -34,6 +36,8 @@ void RoutedConnector::RemoveAll() {
 }
 
 IFCNode* HostFactory::Create(int typeCode) {
+    if (IFCNode* const block = makeDebugBlock(typeCode))
+        return block;
     if (typeCode != eShapeType_Connector)
         return CFCNodeFactory::Create(typeCode);
     auto* const connector = new (std::nothrow) RoutedConnector;

@@ -1,6 +1,7 @@
 #pragma once
 
-// The nodes of the program's own documents: those of the library, and connectors that keep their route.
+// The nodes of the program's own documents: those of the library, with connectors that keep their route and blocks that
+// can run under a debugger.
 
 #include "flowmere/Flowmere.h"
 

@@ -187,6 +187,18 @@ void tickEnds() {
     outputOrder().tickEnds();
 }
 
+// From one to the other whatever is printed is no output of a block.
+void pauseOutput() {
+    outputOrder().beforePrint(false);
+    if (Interpreter* const interpreter = hostServices().interpreter)
+        interpreter->pauseCapture();
+}
+
+void resumeOutput() {
+    if (Interpreter* const interpreter = hostServices().interpreter)
+        interpreter->resumeCapture();
+}
+
 // Outside of what blocks print.
 void printErrorAside(std::string const& text) {
     outputOrder().beforePrint(true);
@@ -228,6 +240,8 @@ PYBIND11_EMBEDDED_MODULE(_flowmere, module) {
     module.def("watch_programs", &watchPrograms);
     module.def("tick_ends", &tickEnds);
     module.def("print_error", &printErrorAside);
+    module.def("pause_output", &pauseOutput);
+    module.def("resume_output", &resumeOutput);
     module.def("executing_path", &executingPath);
     module.def("document_path", [] { return hostServices().documentPath; });
     module.def("report_error", &reportError);

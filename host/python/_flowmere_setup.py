@@ -14,6 +14,8 @@ import _flowmere
 _script_roots = []
 _no_bytecode = ""
 _last_reported = None
+# A _flowmere_debug.BlockDebugger while a run is debugged.
+debugger = None
 # Folders whose modules are no scripts, even where a script root holds them.
 _own_homes = []
 # Letters of a source line that a message shows.
@@ -119,7 +121,7 @@ def set_script_roots(roots, module_folder):
     importlib.invalidate_caches()
 
 
-def _lies_in_scripts(path):
+def lies_in_scripts(path):
     return any(_lies_in(path, root) for root in _script_roots) and not any(_lies_in(path, home) for home in _own_homes)
 
 
@@ -141,7 +143,7 @@ def _place_of(value, trace):
     """File, line and source line of the user's script at which it went wrong."""
     path, number = "", 0
     for frame, line in traceback.walk_tb(trace):
-        if _lies_in_scripts(frame.f_code.co_filename):
+        if lies_in_scripts(frame.f_code.co_filename):
             path, number = frame.f_code.co_filename, line
     if _is_fault_of_file(value):
         path, number = value.filename, value.lineno
@@ -151,7 +153,7 @@ def _place_of(value, trace):
 
 
 def _is_fault_of_file(value):
-    return isinstance(value, SyntaxError) and isinstance(value.filename, str) and _lies_in_scripts(value.filename)
+    return isinstance(value, SyntaxError) and isinstance(value.filename, str) and lies_in_scripts(value.filename)
 
 
 def _printable(text):
@@ -170,16 +172,22 @@ def report(kind, value, trace):
     """The hook for errors that no script has caught; SystemExit comes here too."""
     global _last_reported
     _last_reported = value
-    interrupt = issubclass(kind, KeyboardInterrupt)
+    if debugger is not None:
+        debugger.finish()
+    interrupt = issubclass(kind, KeyboardInterrupt) or (debugger is not None and debugger.has_quit)
     lines = _printable("".join(traceback.format_exception(kind, value, trace)))
     if not interrupt:
         _flowmere.print_error("block {}: {}".format(_flowmere.executing_path(), lines))
     _flowmere.report_error(kind.__name__, _text_of(value), lines, interrupt, *_place_of(value, trace))
+    if debugger is not None and not debugger.take_quit() and not interrupt:
+        debugger.block_failed(value, trace)
 
 
 def finish_tick(script_name):
     """After each run of a block."""
     global _last_reported
+    if debugger is not None:
+        debugger.finish()
     sys.excepthook = report
     value = getattr(sys, "last_value", None)
     if isinstance(value, BaseException) and value is not _last_reported:
@@ -187,6 +195,8 @@ def finish_tick(script_name):
     elif value is None and not _is_callable(script_name):
         error = TypeError("{} is no class".format(script_name.rpartition(".")[2]))
         report(TypeError, error, None)
+    if debugger is not None and debugger.take_quit():
+        _flowmere.report_error("BdbQuit", "", "", True, "", 0, "")
     # Tracebacks keep the variables of whole call stacks alive.
     _last_reported = None
     for name in ("last_type", "last_value", "last_traceback"):

@@ -8,6 +8,8 @@
 
 namespace flowmere::host {
 
+class Document;
+
 // The whole page: the picture with the states of the document's blocks, what ran and for how long, the variables
 // before and after, what each block printed, errors, history and notes. It needs nothing from outside and no script of
 // its own, and is well-formed XML as well. Texts are shown as they are; control characters and bytes that are no UTF-8
