@@ -5,6 +5,7 @@
 #include "host/ReadBack.h"
 #include "host/SafeFile.h"
 #include "host/Text.h"
+#include "host/XmlFault.h"
 
 #include <fmt/format.h>
 
@@ -50,43 +51,22 @@ std::string readingFault(fs::path const& path) {
     return {};
 }
 
-// Name of the first element of a file; empty where it is not found, as in UTF-16. The file is known to be well formed.
-std::string rootElement(fs::path const& path) {
-    constexpr std::size_t kLookedAt = 65536;
-    std::ifstream in(path, std::ios::binary);
-    std::string text(kLookedAt, '\0');
-    in.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(in.gcount()));
-    for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at)) {
-        std::string_view const rest = std::string_view(text).substr(at);
-        if (rest.starts_with("<!DOCTYPE"))
-            return {};
-        if (!rest.starts_with("<?") && !rest.starts_with("<!--"))
-            return std::string(rest.substr(1, rest.find_first_of("/> \t\r\n") - 1));
-        std::size_t const end = text.find(rest.starts_with("<?") ? "?>" : "-->", at);
-        if (end == std::string::npos)
-            return {};
-        at = end;
-    }
-    return {};
-}
-
 struct TreeDeleter {
     void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
 };
 using Tree = std::unique_ptr<IFCNode, TreeDeleter>;
 
-Tree parse(fs::path const& path, int linkDepth, std::vector<CFCReadFinding>* findings) {
+// A reader with the nodes of the program. Null from parse is told by the reader's error.
+struct DocumentReader {
     HostFactory factory;
     CFCReader reader;
-    reader.SetNodeFactory(&factory);
-    IFCNode* root = nullptr;
-    if (!reader.Parse(libraryPath(path), &root, linkDepth))
-        return nullptr;
-    if (findings != nullptr)
-        *findings = reader.GetReadFindings();
-    return Tree(root);
-}
+
+    Tree parse(fs::path const& path) {
+        reader.SetNodeFactory(&factory);
+        IFCNode* root = nullptr;
+        return Tree(reader.Parse(libraryPath(path), &root, kLinkDepth) ? root : nullptr);
+    }
+};
 
 // The block children in the order of the file: the chain begins with the newest.
 std::vector<CFCBlockNode*> childBlocks(IFCNode& container) {
@@ -239,9 +219,11 @@ void Document::setRoots(std::vector<std::string> const& scriptRoots) {
 }
 
 void Document::read() {
-    Tree tree = parse(m_path, kLinkDepth, &m_findings);
+    DocumentReader source;
+    Tree tree = source.parse(m_path);
     if (tree == nullptr)
-        throw Failure(m_file, "", "is no process document: it is no well-formed XML");
+        throw xmlFailure(m_file, source.reader);
+    m_findings = source.reader.GetReadFindings();
     auto* const process = dynamic_cast<CFCProcessNode*>(tree.get());
     if (process == nullptr)
         throw Failure(m_file, "", "is no process document");
@@ -379,7 +361,7 @@ void Document::save(std::string const& out) {
     if (text.empty())
         fail("the document could not be built");
     file.write(text);
-    Tree const written = parse(file.path(), kLinkDepth, nullptr);
+    Tree const written = DocumentReader().parse(file.path());
     if (written == nullptr)
         fail("what was written cannot be read back");
     if (auto const loss = firstLoss(*m_process, *written))

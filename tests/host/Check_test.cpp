@@ -118,7 +118,7 @@ TEST_F(Check, AFileThatCannotBeReadDoesNotHideTheOthers) {
                        "a.xml: 1 block, 1 finding\n"
                        "5 documents: 1 finding, 4 unread\n");
     EXPECT_EQ(run.err, "flowmere: nowhere.xml: there is no such file\n"
-                       "flowmere: cut.xml: is no process document: it is no well-formed XML\n"
+                       "flowmere: cut.xml: line 1, column 16: no well-formed XML: unexpected end of input\n"
                        "flowmere: .: is a folder\n"
                        "flowmere: empty.xml: is empty\n");
 }

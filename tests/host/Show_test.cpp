@@ -200,8 +200,10 @@ TEST_F(Show, FilesThatCannotBeReadAreOneLineAndExitCodeTwo) {
     };
     for (auto const& [file, cause] :
          {Case{"nowhere.xml", "there is no such file"}, Case{".", "is a folder"}, Case{"empty.xml", "is empty"},
-          Case{"cut.xml", "is no process document: it is no well-formed XML"},
-          Case{"text.xml", "is no process document: it is no well-formed XML"},
+          Case{"cut.xml",
+               "line 1, column 35: no well-formed XML: input ended before all started tags were ended; last tag "
+               "started is 'BLOCK'"},
+          Case{"text.xml", "line 1, column 1: no well-formed XML: invalid document structure"},
           Case{"kind.xml", "is no process document: it holds a \"html\" and no blocks"},
           Case{"/dev/null", "is no regular file"}}) {
         for (char const* const command : {"show", "check"}) {

@@ -1,0 +1,143 @@
+#include "host/commands/Catalog.h"
+
+#include "host/Catalogs.h"
+#include "host/InputFile.h"
+#include "host/XmlFault.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace flowmere::host {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Options {
+    std::string file;
+    std::string base;
+    std::string user;
+    bool json = false;
+};
+
+// The absolute path of a folder; empty for none.
+fs::path folderOf(std::string const& name) {
+    if (name.empty())
+        return {};
+    std::error_code error;
+    if (!fs::is_directory(name, error))
+        throw Failure(name, "", fs::exists(name, error) ? "is no folder" : "there is no such folder");
+    fs::path path = fs::absolute(name).lexically_normal();
+    if (!path.has_filename())
+        path = path.parent_path();
+    if (path.string().find('\\') != std::string::npos)
+        throw Failure(name, "", "cannot be used: its path holds a backslash");
+    return path;
+}
+
+// The catalog of a folder, by the name that the library gives it.
+std::string fileIn(std::string const& folder, wchar_t const* libraryPath) {
+    std::string const path = utf8(libraryPath);
+    std::string const name = path.substr(path.find_last_of('\\') + 1);
+    return folder == "." ? name : (fs::path(folder) / name).string();
+}
+
+// The files that make up the catalog, as the user would name them.
+std::vector<std::string> filesOf(CatalogKind const& kind, Options const& options) {
+    if (!options.file.empty())
+        return {options.file};
+    std::string const help = fmt::format(" (see flowmere catalog {} --help)", kind.name);
+    if (kind.commonPath == nullptr)
+        throw Failure("", "", "FILE is required" + help);
+    std::vector<std::string> files;
+    if (!options.base.empty())
+        files.push_back(fileIn(options.base, kind.commonPath()));
+    else if (kind.userPath == nullptr)
+        throw Failure("", "", "FILE or --base is required" + help);
+    std::error_code error;
+    if (kind.userPath != nullptr && !options.user.empty() &&
+        (options.base.empty() || !fs::equivalent(options.base, options.user, error))) {
+        std::string const file = fileIn(options.user, kind.userPath());
+        // Not every user has one.
+        if (options.base.empty() || fs::exists(fs::symlink_status(file, error)))
+            files.push_back(file);
+    }
+    return files;
+}
+
+int show(CatalogKind const& kind, Options options) {
+    // Without any word on where to look it is here.
+    if (options.file.empty() && options.base.empty() && options.user.empty())
+        options.base = ".";
+    fs::path const base = folderOf(options.base);
+    fs::path const user = folderOf(options.user);
+    // Looked at before the library is told: it would make a folder that is missing.
+    CFCEnvironment::SetBasePath(base.empty() ? TuString() : libraryPath(base));
+    CFCEnvironment::SetUserPath(user.empty() ? TuString() : libraryPath(user));
+
+    std::vector<std::string> const files = filesOf(kind, options);
+    std::unique_ptr<Catalog> const catalog = kind.make();
+    for (std::string const& file : files) {
+        if (std::string const fault = inputFault(file); !fault.empty())
+            throw Failure(file, "", fault);
+        checkIsXml(file, file);
+        if (!catalog->read(libraryPath(file)))
+            throw Failure(file, "", "cannot be read");
+    }
+    // The library takes any root element, and finds nothing in a file of another kind.
+    if (catalog->isEmpty())
+        for (std::string const& file : files)
+            if (std::string const root = rootElement(file);
+                std::find(kind.roots.begin(), kind.roots.end(), root) == kind.roots.end())
+                throw Failure(file, "", fmt::format("holds a \"{}\" and no {}", root, kind.content));
+
+    std::string names;
+    for (std::string const& file : files)
+        names += (names.empty() ? "" : " and ") + oneLine(file);
+    if (options.json) {
+        Json document = {{"catalog", kind.name}, {"files", files}};
+        document.update(catalog->json());
+        printOut(jsonText(document));
+    } else {
+        printOut(names + ": " + catalog->summary() + "\n" + catalog->text());
+    }
+    for (std::string const& text : catalog->leftOut())
+        printError(errorLine(files.back(), "", text) + "\n");
+    return kExitWell;
+}
+
+} // namespace
+
+void addCatalog(CLI::App& app, Result& result) {
+    auto const options = std::make_shared<Options>();
+    CLI::App& command = *app.add_subcommand("catalog", "Show what the catalogs beside the processes hold");
+    command.require_subcommand(1);
+    command.footer("Example:\n"
+                   "  flowmere catalog types --base /opt/processes");
+    for (CatalogKind const& kind : catalogKinds()) {
+        CLI::App& shower = *command.add_subcommand(kind.name, kind.help);
+        bool const hasPlace = kind.commonPath != nullptr;
+        CLI::Option* const file = shower.add_option(
+            "FILE", options->file, hasPlace ? "The catalog; without it the one of the folders" : "The catalog");
+        file->required(!hasPlace);
+        shower
+            .add_option("--base", options->base,
+                        hasPlace ? "The folder of the common catalogs; without FILE and folders the current one"
+                                 : "The folder of the common catalogs, which has none of this kind")
+            ->type_name("DIR");
+        shower
+            .add_option("--user", options->user,
+                        kind.takesUser ? "The folder of the user's own catalogs"
+                                       : "The folder of the user's own catalogs, which has none of this kind")
+            ->type_name("DIR");
+        shower.add_flag("--json", options->json, "Print the same as JSON");
+        shower.footer(fmt::format("Example:\n  flowmere catalog {} {}", kind.name, kind.example));
+        shower.callback([&kind, options, &result] { result.exitCode = show(kind, *options); });
+    }
+}
+
+} // namespace flowmere::host
