@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <numeric>
 #include <unistd.h>
 #include <utility>
 
@@ -59,29 +58,83 @@ std::string_view lastPart(std::string_view path) {
     return dot == std::string_view::npos ? path : path.substr(dot + 1);
 }
 
-// Number of insertions, deletions, replacements and swaps of neighbours between two texts; `limit` + 1 for more than
-// `limit`.
-std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit) {
-    std::size_t const difference = left.size() > right.size() ? left.size() - right.size() : right.size() - left.size();
-    if (difference > limit)
-        return limit + 1;
-    std::vector<std::size_t> before(right.size() + 1);
-    std::vector<std::size_t> above(right.size() + 1);
-    std::vector<std::size_t> row(right.size() + 1);
-    std::iota(above.begin(), above.end(), std::size_t{0});
-    for (std::size_t i = 1; i <= left.size(); ++i) {
-        row[0] = i;
-        for (std::size_t j = 1; j <= right.size(); ++j) {
-            std::size_t const replaced = above[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
-            row[j] = std::min({above[j] + 1, row[j - 1] + 1, replaced});
-            if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1])
-                row[j] = std::min(row[j], before[j - 2] + 1);
+// Measures how far texts are from each other, without asking for memory each time.
+class EditDistance {
+public:
+    // Number of insertions, deletions, replacements and swaps of neighbours between the texts; `limit` + 1 for more
+    // than `limit`. Takes time in proportion to the length times the limit.
+    std::size_t operator()(std::string_view left, std::string_view right, std::size_t limit) {
+        std::size_t const longer = std::max(left.size(), right.size());
+        if (longer - std::min(left.size(), right.size()) > limit)
+            return limit + 1;
+        if (limit == 0)
+            return left == right ? 0 : 1;
+        std::size_t const tooMany = limit + 1;
+        for (std::vector<std::size_t>* const row : {&m_before, &m_above, &m_row})
+            row->assign(right.size() + 1, tooMany);
+        for (std::size_t j = 0; j <= std::min(right.size(), limit); ++j)
+            m_above[j] = j;
+        std::size_t leastAbove = 0;
+        for (std::size_t i = 1; i <= left.size(); ++i) {
+            // What lies further from the diagonal takes more steps than there may be.
+            std::size_t const first = i > limit ? i - limit : 1;
+            std::size_t const last = std::min(right.size(), i + limit);
+            m_row[first - 1] = first == 1 ? std::min(i, tooMany) : tooMany;
+            std::size_t least = m_row[first - 1];
+            for (std::size_t j = first; j <= last; ++j) {
+                std::size_t steps = m_above[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
+                steps = std::min({steps, m_above[j] + 1, m_row[j - 1] + 1, tooMany});
+                if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1])
+                    steps = std::min(steps, m_before[j - 2] + 1);
+                m_row[j] = steps;
+                least = std::min(least, steps);
+            }
+            if (last < right.size())
+                m_row[last + 1] = tooMany;
+            // A swap reaches over one row.
+            if (least > limit && leastAbove > limit)
+                return tooMany;
+            leastAbove = least;
+            std::swap(m_before, m_above);
+            std::swap(m_above, m_row);
         }
-        std::swap(before, above);
-        std::swap(above, row);
+        return m_above[right.size()];
     }
-    return std::min(above[right.size()], limit + 1);
-}
+
+private:
+    std::vector<std::size_t> m_before;
+    std::vector<std::size_t> m_above;
+    std::vector<std::size_t> m_row;
+};
+
+// The nearest names so far, the nearest first; of those at one distance the one that came first.
+class Nearest {
+public:
+    void add(std::size_t distance, std::string const& name) {
+        constexpr std::size_t kMost = 3;
+        auto const isSame = [&](auto const& entry) {
+            return *entry.second == name;
+        };
+        bool const isFull = m_entries.size() == kMost;
+        if ((isFull && distance >= m_entries.back().first) || std::any_of(m_entries.begin(), m_entries.end(), isSame))
+            return;
+        auto const place =
+            std::find_if(m_entries.begin(), m_entries.end(), [&](auto const& entry) { return distance < entry.first; });
+        m_entries.insert(place, {distance, &name});
+        if (isFull)
+            m_entries.pop_back();
+    }
+
+    std::vector<std::string> names() const {
+        std::vector<std::string> names;
+        for (auto const& [distance, name] : m_entries)
+            names.push_back(*name);
+        return names;
+    }
+
+private:
+    std::vector<std::pair<std::size_t, std::string const*>> m_entries;
+};
 
 // Goes on where a signal has come in between, which the streams of the C library take for an error.
 bool writeAll(int file, std::string_view text) {
@@ -141,17 +194,17 @@ std::string oneLine(std::string_view text) {
 }
 
 std::vector<std::string> nearNames(std::string_view typed, std::vector<std::string> const& known) {
-    constexpr std::size_t kMost = 3;
     std::string const wanted = lowered(typed);
-    std::string const wantedPart(lastPart(wanted));
+    std::string_view const wantedPart = lastPart(wanted);
     // A third of the letters may be wrong; of a name of one or two letters none, since everything would be near.
-    auto const limitFor = [](std::string const& text) {
+    auto const limitFor = [](std::string_view text) {
         return text.size() < 3 ? std::size_t{0} : std::max<std::size_t>(1, text.size() / 3);
     };
     std::size_t const limit = limitFor(wanted);
     std::size_t const partLimit = limitFor(wantedPart);
 
-    std::vector<std::pair<std::size_t, std::string>> found;
+    EditDistance editDistance;
+    Nearest nearest;
     for (std::string const& name : known) {
         std::string const candidate = lowered(name);
         std::size_t distance = editDistance(wanted, candidate, limit);
@@ -163,18 +216,10 @@ std::vector<std::string> nearNames(std::string_view typed, std::vector<std::stri
                 fits = true;
             }
         }
-        if (fits && std::find_if(found.begin(), found.end(), [&](auto const& entry) { return entry.second == name; }) ==
-                        found.end())
-            found.emplace_back(distance, name);
+        if (fits)
+            nearest.add(distance, name);
     }
-    std::stable_sort(found.begin(), found.end(), [](auto const& a, auto const& b) { return a.first < b.first; });
-    if (found.size() > kMost)
-        found.resize(kMost);
-
-    std::vector<std::string> names;
-    for (auto& entry : found)
-        names.push_back(std::move(entry.second));
-    return names;
+    return nearest.names();
 }
 
 std::string suggestion(std::string_view typed, std::vector<std::string> const& known) {

@@ -3,11 +3,15 @@
 #include "host/Text.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <limits>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
 namespace flowmere::host {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -15,7 +19,8 @@ constexpr std::size_t kBehindVariables = std::numeric_limits<std::size_t>::max()
 
 } // namespace
 
-Check::Check(Document& checked, Scripts& python) : document(checked), scripts(python), tree(checked.process()) {}
+Check::Check(Document& checked, Scripts& python)
+    : document(checked), scripts(python), tree(checked.process()), m_known(tree.nodes().size()) {}
 
 void Check::addToNode(std::size_t node, std::string_view rule, std::string message, std::string script, int line) {
     m_entries.push_back({node, 0, 0, {tree.nodes()[node].path, rule, std::move(message), std::move(script), line}});
@@ -31,14 +36,52 @@ void Check::addToContent(std::size_t node, std::string_view rule, std::string me
     m_entries.push_back({about.last, kBehindVariables, -about.level, {about.path, rule, std::move(message), {}, 0}});
 }
 
-std::optional<Check::Script> Check::scriptOf(TreeNode const& node) {
-    if (node.block == nullptr || node.block->GetScriptType() != EScriptType_PYTHON)
-        return std::nullopt;
-    std::string const name = utf8(node.block->GetScriptName());
-    auto const file = document.scriptFile(name);
-    if (!file)
-        return std::nullopt;
-    return Script{*file, &scripts.factsOf(*file, partsOf(name).back())};
+Check::Known const& Check::known(std::size_t node) {
+    std::optional<Known>& known = m_known[node];
+    if (known)
+        return *known;
+    known.emplace();
+    CFCBlockNode& block = *tree.nodes()[node].block;
+    if (block.GetScriptType() != EScriptType_PYTHON)
+        return *known;
+    std::string const name = utf8(block.GetScriptName());
+    if (auto const& file = scriptFile(name)) {
+        known->state = ScriptState::Found;
+        known->script = {name, *file, &scripts.factsOf(*file, partsOf(name).back())};
+    } else {
+        known->state = document.scriptState(block);
+    }
+    return *known;
+}
+
+Check::Script const* Check::scriptOf(std::size_t node) {
+    if (tree.nodes()[node].block == nullptr)
+        return nullptr;
+    auto const& script = known(node).script;
+    return script ? &*script : nullptr;
+}
+
+ScriptState Check::scriptState(std::size_t node) {
+    return known(node).state;
+}
+
+std::optional<fs::path> const& Check::scriptFile(std::string const& name) {
+    auto entry = m_files.find(name);
+    if (entry == m_files.end())
+        entry = m_files.emplace(name, document.scriptFile(name)).first;
+    return entry->second;
+}
+
+bool Check::hasModule(fs::path const& folder, std::string const& name) {
+    auto const [entry, isNew] = m_modules.try_emplace(folder.string());
+    if (isNew) {
+        std::error_code error;
+        for (fs::directory_iterator place(folder, error), end; !error && place != end; place.increment(error)) {
+            std::string const found = place->path().filename().string();
+            entry->second.insert(found.substr(0, found.find('.')));
+        }
+    }
+    return entry->second.count(name) > 0;
 }
 
 std::vector<Finding> Check::take() {

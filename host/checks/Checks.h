@@ -10,6 +10,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace flowmere::host {
@@ -53,12 +55,20 @@ public:
     // Something that the node holds besides its variables and children.
     void addToContent(std::size_t node, std::string_view rule, std::string message);
 
-    // The script of a block: its file, and what stands in it. Null for a block without a script or without a file.
+    // The script of a block: its name, its file, and what stands in it.
     struct Script {
+        std::string name;
         std::filesystem::path file;
         ScriptFacts const* facts;
     };
-    std::optional<Script> scriptOf(TreeNode const& node);
+    // Null for a node without a script or without a file. Valid as long as this object.
+    Script const* scriptOf(std::size_t node);
+    // Of a node that is a block.
+    ScriptState scriptState(std::size_t node);
+    // The file that Python would import under the dotted name; looked for once.
+    std::optional<std::filesystem::path> const& scriptFile(std::string const& name);
+    // Whether the folder holds a module of that name, be it a file, a folder or a library. Each folder is read once.
+    bool hasModule(std::filesystem::path const& folder, std::string const& name);
 
     // In the order of the document: what is told of a node, of its variables, of its children, and of what else it
     // holds.
@@ -71,7 +81,17 @@ private:
         int inside; // of things behind the same node: those of inner containers come first
         Finding finding;
     };
+    // What is known of the script of a node.
+    struct Known {
+        ScriptState state = ScriptState::None;
+        std::optional<Script> script;
+    };
+    Known const& known(std::size_t node);
+
     std::vector<Entry> m_entries;
+    std::vector<std::optional<Known>> m_known; // by node
+    std::unordered_map<std::string, std::optional<std::filesystem::path>> m_files;
+    std::unordered_map<std::string, std::unordered_set<std::string>> m_modules; // by folder
 };
 
 void checkIds(Check& check);     // duplicate-id, duplicate-variable

@@ -19,13 +19,14 @@ struct Exits {
     std::set<int> grips;
 };
 
-Exits exitsOf(Check& check, TreeNode const& node) {
+Exits exitsOf(Check& check, std::size_t index) {
+    TreeNode const& node = check.tree.nodes()[index];
     Exits exits;
     int const kind = node.node->GetNodeType();
     exits.engine = isWorkflowKind(kind);
     exits.any = isDecisionKind(kind);
     exits.grips = {node.block->GetActiveHandle()};
-    if (auto const script = check.scriptOf(node)) {
+    if (Check::Script const* const script = check.scriptOf(index)) {
         exits.any = exits.any || script->facts->setsUnknownGrip;
         for (auto const& [grip, line] : script->facts->grips)
             exits.grips.insert(grip);
@@ -95,7 +96,7 @@ private:
         if (isSubProcess(node) && !isWorkflow && !m_isLeft[index])
             return;
         Exits const exits = isSubProcess(node) && !isWorkflow ? Exits{false, false, {node.block->GetActiveHandle()}}
-                                                              : exitsOf(m_check, node);
+                                                              : exitsOf(m_check, index);
         std::set<int> taken;
         for (CFCConnector* const way : node.ways) {
             int const grip = way->GetStartHandle();
@@ -145,7 +146,7 @@ private:
                 return fmt::format("it comes behind \"{}\", and an empty sub-process ends the flow", from.id);
             if (isSubProcess(from) && !m_isLeft[start])
                 return fmt::format("it comes behind \"{}\", and the flow does not come out of that", from.id);
-            if (isSubProcess(from) || exitsOf(m_check, from).grips.count(grip) == 0) {
+            if (isSubProcess(from) || exitsOf(m_check, start).grips.count(grip) == 0) {
                 if (grip != from.block->GetActiveHandle())
                     return fmt::format("the connector from \"{}\" leaves by {}, and the flow goes on by {}", from.id,
                                        gripName(grip), gripName(from.block->GetActiveHandle()));
@@ -170,9 +171,9 @@ void checkDecision(Check& check, std::size_t index) {
     std::set<int> taken;
     for (CFCConnector* const way : node.ways)
         taken.insert(way->GetStartHandle());
-    auto const script = check.scriptOf(node);
-    bool const setsGrip = script && script->facts->setsGrip();
-    if (script)
+    Check::Script const* const script = check.scriptOf(index);
+    bool const setsGrip = script != nullptr && script->facts->setsGrip();
+    if (script != nullptr)
         for (auto const& [grip, line] : script->facts->grips) {
             std::string const where = fmt::format("{}:{}", script->file.filename().string(), line);
             if (grip < EPortHandle_TopLeft || grip > EPortHandle_LeftMiddle)
@@ -187,7 +188,7 @@ void checkDecision(Check& check, std::size_t index) {
     bool const mayStay = !setsGrip || (!script->facts->setsUnknownGrip && script->facts->grips.size() == 1 &&
                                        !script->facts->alwaysSetsGrip);
     int const active = node.block->GetActiveHandle();
-    bool const isNamed = script && script->facts->grips.count(active) > 0;
+    bool const isNamed = script != nullptr && script->facts->grips.count(active) > 0;
     bool const isDecision = isDecisionKind(node.node->GetNodeType());
     if (isDecision && mayStay && !isNamed && taken.count(active) == 0)
         check.addToNode(index, kDecisionGrip,

@@ -16,7 +16,7 @@ std::string fault(Check& check, std::string_view what, std::string const& name) 
 
 void checkBlock(Check& check, std::size_t index) {
     CFCBlockNode& block = *check.tree.nodes()[index].block;
-    if (check.document.scriptState(block) == ScriptState::None)
+    if (check.scriptState(index) == ScriptState::None)
         return;
     std::string const& id = check.tree.nodes()[index].id;
     if (!check.scripts.isIdentifier(id))

@@ -38,19 +38,13 @@ bool isThere(Check& check, std::string const& scriptName, fs::path const& file, 
     fs::path folder = file.parent_path();
     for (std::size_t place = 0; place + static_cast<std::size_t>(import.level) < own.size(); ++place)
         name += own[place] + ".";
-    if (check.document.scriptFile(name + import.module))
+    if (check.scriptFile(name + import.module))
         return true;
     for (int level = 1; level < import.level; ++level)
         folder = folder.parent_path();
     for (std::size_t place = 0; place + 1 < wanted.size(); ++place)
         folder /= wanted[place];
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-        std::string const found = entry->path().filename().string();
-        if (found == wanted.back() || found.starts_with(wanted.back() + "."))
-            return true;
-    }
-    return false;
+    return check.hasModule(folder, wanted.back());
 }
 
 // The modules beside the script that it takes names from.
@@ -74,13 +68,14 @@ void checkImports(Check& check, std::size_t index, std::string const& scriptName
     }
 }
 
-void checkFile(Check& check, std::size_t index, std::string const& name, Check::Script const& script) {
+void checkFile(Check& check, std::size_t index, Check::Script const& script) {
+    std::string const& name = script.name;
     ScriptFacts const& facts = *script.facts;
     if (!facts.error.empty())
         addSyntax(check, index, script.file, facts);
     // The companion, which a run loads first wherever there is one.
     std::string const companionClass = partsOf(name).back() + "Block";
-    if (auto const companion = check.document.scriptFile(name + "Block"))
+    if (auto const companion = check.scriptFile(name + "Block"))
         if (ScriptFacts const& found = check.scripts.factsOf(*companion, companionClass); !found.error.empty())
             addSyntax(check, index, *companion, found);
     if (!facts.error.empty())
@@ -99,8 +94,8 @@ void checkScripts(Check& check) {
         TreeNode const& node = check.tree.nodes()[index];
         if (node.block == nullptr || node.parent == Tree::kNone)
             continue;
-        std::string const name = utf8(node.block->GetScriptName());
-        if (check.document.scriptState(*node.block) == ScriptState::Missing) {
+        if (check.scriptState(index) == ScriptState::Missing) {
+            std::string const name = utf8(node.block->GetScriptName());
             check.addToNode(index, kMissingScript,
                             name.empty() || name == node.id
                                 ? fmt::format("there is no script {}, and a {} does nothing without one", node.id,
@@ -108,8 +103,8 @@ void checkScripts(Check& check) {
                                 : fmt::format("there is no script {}", name));
             continue;
         }
-        if (auto const script = check.scriptOf(node))
-            checkFile(check, index, name, *script);
+        if (Check::Script const* const script = check.scriptOf(index))
+            checkFile(check, index, *script);
     }
 }
 

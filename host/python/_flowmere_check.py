@@ -3,10 +3,16 @@
 import ast
 import keyword
 import os
+import re
+import types
 import warnings
 
 _BRANCHES = (ast.If, ast.IfExp, ast.For, ast.While, ast.Try, ast.Match, ast.ExceptHandler, ast.BoolOp, ast.comprehension)
 _FUNCTIONS = (ast.FunctionDef, ast.AsyncFunctionDef, ast.Lambda, ast.ClassDef)
+
+# What a plain source must have somewhere for a call that sets a grip, and for a relative import.
+_GRIP_CALL = b"setActiveHandle"
+_RELATIVE_IMPORT = re.compile(rb"\bfrom[\s\\]*\.")
 
 
 def is_identifier(name):
@@ -42,8 +48,7 @@ def read_script(path, class_name):
             source = stream.read()
         with warnings.catch_warnings():
             warnings.simplefilter("ignore")
-            tree = ast.parse(source, path)
-            compile(source, path, "exec", dont_inherit=True)
+            _read_source(source, path, class_name, script)
     except SyntaxError as error:
         script.error_line = error.lineno or 0
         script.error = _printable(error.msg)
@@ -56,17 +61,34 @@ def read_script(path, class_name):
         return script
     except (ValueError, MemoryError, OverflowError) as error:
         script.error = _printable(error) or "is too large"
-        return script
-    _look_at(tree, class_name, script)
     return script
+
+
+def _read_source(source, path, class_name, script):
+    # A tree takes about as long as all the rest, and most scripts can be told without one.
+    may_set_grip = not _is_plain(source) or _GRIP_CALL in source
+    if not may_set_grip and not _RELATIVE_IMPORT.search(source):
+        code = compile(source, path, "exec", dont_inherit=True)
+        if any(isinstance(part, types.CodeType) and part.co_name == class_name for part in code.co_consts):
+            return
+        tree = ast.parse(source, path)
+    else:
+        tree = ast.parse(source, path)
+        compile(tree, path, "exec", dont_inherit=True)
+    _look_at(tree, class_name, may_set_grip, script)
+
+
+def _is_plain(source):
+    """Whether each name stands in the source as it is, letter by letter."""
+    return source.isascii() and not any(b"coding" in line for line in source.split(b"\n", 2)[:2])
 
 
 def _printable(text):
     return str(text).encode("utf-8", "replace").decode("utf-8")
 
 
-def _look_at(tree, class_name, script):
-    constants = _constants_of(tree)
+def _look_at(tree, class_name, may_set_grip, script):
+    constants = _constants_of(tree) if may_set_grip else {}
     bound = set()
     is_open = False
     # Nodes with whether they are inside a function, and whether inside a branch of it.
@@ -81,6 +103,8 @@ def _look_at(tree, class_name, script):
         if not in_function:
             is_open = _bind(node, bound) or is_open
         if isinstance(node, _FUNCTIONS):
+            if not may_set_grip:
+                continue
             in_function, in_branch = True, False
         elif isinstance(node, _BRANCHES):
             in_branch = True

@@ -6,6 +6,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace {
 
 using namespace flowmere::host;
@@ -46,6 +52,53 @@ TEST(NearNames, TakeTheLastPartOfAPath) {
     std::vector<std::string> const known = {"Analysis.Stress.Limit", "Analysis.Moments.Span"};
     EXPECT_THAT(nearNames("Limit", known), ElementsAre("Analysis.Stress.Limit"));
     EXPECT_THAT(nearNames("Moments.Spam", known), ElementsAre("Analysis.Moments.Span"));
+}
+
+// The plain way to the same: all distances, whole.
+std::size_t plainDistance(std::string const& left, std::string const& right) {
+    std::vector<std::vector<std::size_t>> steps(left.size() + 1, std::vector<std::size_t>(right.size() + 1));
+    for (std::size_t i = 0; i <= left.size(); ++i)
+        for (std::size_t j = 0; j <= right.size(); ++j) {
+            if (i == 0 || j == 0) {
+                steps[i][j] = i + j;
+                continue;
+            }
+            steps[i][j] = std::min({steps[i - 1][j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1), steps[i - 1][j] + 1,
+                                    steps[i][j - 1] + 1});
+            if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1])
+                steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
+        }
+    return steps[left.size()][right.size()];
+}
+
+TEST(NearNames, AreThoseOfWhichAtMostAThirdIsWrong) {
+    // All words of up to nine letters out of few, so that many are near each other, and fewer than three letters count.
+    std::mt19937 random(7);
+    auto const word = [&] {
+        std::string text(1 + random() % 9, 'a');
+        for (char& letter : text)
+            letter = static_cast<char>('a' + random() % 3);
+        return text;
+    };
+    for (int round = 0; round < 3000; ++round) {
+        std::string const typed = word();
+        std::vector<std::string> known;
+        for (int count = 0; count < 12; ++count)
+            known.push_back(word());
+        std::size_t const limit = typed.size() < 3 ? 0 : std::max<std::size_t>(1, typed.size() / 3);
+        std::vector<std::pair<std::size_t, std::string>> near;
+        for (std::string const& name : known)
+            if (std::size_t const distance = plainDistance(typed, name);
+                distance <= limit && std::find(near.begin(), near.end(), std::pair(distance, name)) == near.end())
+                near.emplace_back(distance, name);
+        std::stable_sort(near.begin(), near.end(),
+                         [](auto const& left, auto const& right) { return left.first < right.first; });
+        near.resize(std::min<std::size_t>(near.size(), 3));
+        std::vector<std::string> expected;
+        for (auto const& entry : near)
+            expected.push_back(entry.second);
+        ASSERT_EQ(nearNames(typed, known), expected) << typed;
+    }
 }
 
 TEST(Suggestion, EndsAMessage) {
