@@ -204,6 +204,11 @@ void Interpreter::captureOutput(bool allToError) {
     m_capture = std::make_unique<OutputCapture>(allToError);
 }
 
+void Interpreter::labelOutput(std::string const& label) {
+    if (m_capture != nullptr)
+        m_capture->label(label);
+}
+
 std::vector<PrintedText> Interpreter::takePrinted() {
     std::vector<PrintedText> printed = std::exchange(m_printed, {});
     if (m_capture != nullptr)

@@ -67,6 +67,9 @@ public:
     // printOut() and printError() stay outside. With `allToError` standard output goes on to standard error. Throws
     // Failure when the machine has no process or file left for it. Nothing when it is on already.
     void captureOutput(bool allToError = false);
+    // While output is kept: from now on each line of it begins with "  LABEL | " or, on standard error, "  LABEL ! "
+    // where it goes on to. Not in what takePrinted() gives.
+    void labelOutput(std::string const& label);
     // What was printed since the last call, in order, one piece for each stretch to one of the two streams. After
     // finishTick() it is all that the block has printed, but for what it left running. Empty while nothing is kept.
     std::vector<PrintedText> takePrinted();

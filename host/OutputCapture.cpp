@@ -27,6 +27,7 @@ namespace {
 // for its size, and its text; the piece that ends it has neither.
 constexpr char kSettle = 's';
 constexpr char kTake = 't';
+constexpr char kLabel = 'l'; // with the size of the label and the label behind it
 constexpr char kOut = 'o';
 constexpr char kError = 'e';
 constexpr char kFault = 'f';
@@ -117,13 +118,41 @@ private:
         if (m_control >= 0)
             append(m_kept, stream.isError, text);
         if (stream.target >= 0 && stream.fault == 0)
-            if (int const fault = writeWhole(stream.target, text); fault != 0) {
-                stream.fault = fault;
-                m_faults += (m_faults.empty() ? "standard " : ", standard ") +
-                            std::string(stream.isError ? "error" : "output") +
-                            " cannot be written: " + std::strerror(fault);
-            }
+            pass(stream, text);
         return text.size();
+    }
+
+    void pass(Stream& stream, std::string_view text) {
+        if (m_label.empty()) {
+            write(stream, text);
+            return;
+        }
+        if (m_openLine != &stream)
+            finishLine();
+        std::string lines;
+        while (!text.empty()) {
+            if (m_openLine == nullptr)
+                lines += "  " + m_label + (stream.isError ? " ! " : " | ");
+            std::size_t const size = std::min(text.find('\n'), text.size() - 1) + 1;
+            lines += text.substr(0, size);
+            m_openLine = lines.back() == '\n' ? nullptr : &stream;
+            text.remove_prefix(size);
+        }
+        write(stream, lines);
+    }
+
+    void finishLine() {
+        if (Stream* const stream = std::exchange(m_openLine, nullptr))
+            write(*stream, "\n");
+    }
+
+    void write(Stream& stream, std::string_view text) {
+        if (int const fault = stream.fault == 0 ? writeWhole(stream.target, text) : 0; fault != 0) {
+            stream.fault = fault;
+            m_faults += (m_faults.empty() ? "standard " : ", standard ") +
+                        std::string(stream.isError ? "error" : "output") +
+                        " cannot be written: " + std::strerror(fault);
+        }
     }
 
     // As much as is in the pipe by now: who writes without end does not keep the program waiting.
@@ -147,6 +176,9 @@ private:
         }
         readAll(m_streams[0]);
         readAll(m_streams[1]);
+        finishLine();
+        if (request == kLabel)
+            readLabel();
         if (request == kTake) {
             for (PrintedText const& piece : m_kept)
                 send(piece.isError ? kError : kOut, piece.text);
@@ -156,6 +188,16 @@ private:
         if (!m_faults.empty())
             send(kFault, std::exchange(m_faults, {}));
         writeControl(std::string_view(&kEnd, 1));
+    }
+
+    void readLabel() {
+        std::uint64_t size = 0;
+        m_label.clear();
+        if (!readWhole(m_control, reinterpret_cast<char*>(&size), sizeof size))
+            return;
+        m_label.resize(size);
+        if (!readWhole(m_control, m_label.data(), m_label.size()))
+            m_label.clear();
     }
 
     void send(char kind, std::string_view text) {
@@ -176,6 +218,8 @@ private:
     int m_control;
     std::vector<PrintedText> m_kept;
     std::string m_faults;
+    std::string m_label;
+    Stream* m_openLine = nullptr; // has been given a label, and no end yet
 };
 
 // The end of the program's signals is not the end of what was printed.
@@ -206,23 +250,24 @@ OutputCapture::OutputCapture(bool allToError) : m_owner(::getpid()) {
     int error[2] = {-1, -1};
     int control[2] = {-1, -1};
     int fault = 0;
-    if (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(error, O_CLOEXEC) != 0 ||
-        ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, control) != 0)
-        fault = errno;
     auto const keep = [&](int& kept, int file) {
         kept = ::fcntl(file, F_DUPFD_CLOEXEC, kFirstFile);
         // A file that is closed stays so: there is nowhere to write on to.
         if (kept < 0 && errno != EBADF)
             fault = errno;
     };
+    // Before the pipes, which take the number of a file that is closed.
+    keep(m_originals[0], STDOUT_FILENO);
+    keep(m_originals[1], STDERR_FILENO);
+    m_targets[0] = m_originals[allToError ? 1 : 0];
+    m_targets[1] = m_originals[1];
+    if (fault == 0 && (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(error, O_CLOEXEC) != 0 ||
+                       ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, control) != 0))
+        fault = errno;
     if (fault == 0) {
         keep(m_control, control[1]);
         keep(m_pipes[0], out[1]);
         keep(m_pipes[1], error[1]);
-        keep(m_originals[0], STDOUT_FILENO);
-        keep(m_originals[1], STDERR_FILENO);
-        m_targets[0] = m_originals[allToError ? 1 : 0];
-        m_targets[1] = m_originals[1];
     }
     for (int* const file : {&out[1], &error[1], &control[1]})
         closeFile(*file);
@@ -287,15 +332,27 @@ void OutputCapture::giveBack() {
     m_targets[1] = -1;
 }
 
-void OutputCapture::ask(char request, std::vector<PrintedText>* printed) {
+void OutputCapture::ask(std::string_view request, std::vector<PrintedText>* printed) {
     std::lock_guard const lock(m_mutex);
     if (m_control < 0 || ::getpid() != m_owner)
         return;
     std::fflush(stdout);
-    if (::send(m_control, &request, 1, MSG_NOSIGNAL) == 1 && readReply(printed))
+    if (sendRequest(request) && readReply(printed))
         return;
     m_fault = "the process that keeps the output has gone";
     giveBack();
+}
+
+bool OutputCapture::sendRequest(std::string_view request) const {
+    while (!request.empty()) {
+        ssize_t const count = ::send(m_control, request.data(), request.size(), MSG_NOSIGNAL);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        request.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
 }
 
 bool OutputCapture::readReply(std::vector<PrintedText>* printed) {
@@ -319,12 +376,19 @@ bool OutputCapture::readReply(std::vector<PrintedText>* printed) {
 }
 
 void OutputCapture::settle() {
-    ask(kSettle, nullptr);
+    ask(std::string_view(&kSettle, 1), nullptr);
+}
+
+void OutputCapture::label(std::string const& label) {
+    std::uint64_t const size = label.size();
+    std::string request(1, kLabel);
+    request.append(reinterpret_cast<char const*>(&size), sizeof size);
+    ask(request + label, nullptr);
 }
 
 std::vector<PrintedText> OutputCapture::take() {
     std::vector<PrintedText> printed;
-    ask(kTake, &printed);
+    ask(std::string_view(&kTake, 1), &printed);
     return printed;
 }
 

@@ -6,6 +6,7 @@
 
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <sys/types.h>
 #include <vector>
 
@@ -28,6 +29,9 @@ public:
 
     // Returns when all that was written before the call is where it goes to.
     void settle();
+    // From now on each line that is written on begins with "  LABEL | ", or with "  LABEL ! " on file 2, and a line
+    // that is open when something else comes in between gets an end. With an empty label all goes on as it comes.
+    void label(std::string const& label);
     // All that was written before the call and was not taken before, in order, neighbours of one stream in one piece.
     // Between two programs that write to the two streams at the same time, the order is that of arrival.
     std::vector<PrintedText> take();
@@ -40,7 +44,8 @@ public:
     void resume();
 
 private:
-    void ask(char request, std::vector<PrintedText>* printed);
+    void ask(std::string_view request, std::vector<PrintedText>* printed);
+    bool sendRequest(std::string_view request) const;
     bool readReply(std::vector<PrintedText>* printed);
     int start(int out, int error, int control) const;
     void giveBack();
