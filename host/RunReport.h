@@ -32,6 +32,7 @@ struct RunReport {
     std::string end; // "ended", "stopped", "failed" or "interrupted"
     std::optional<std::string> next;
     std::optional<std::string> savedTo;
+    std::optional<std::string> reportedTo; // the page of --report
 };
 
 } // namespace flowmere::host

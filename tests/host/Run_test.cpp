@@ -88,7 +88,7 @@ TEST_F(ThreeBlocks, JsonGivesTheSameFacts) {
     for (auto const& entry : document.items())
         keys.push_back(entry.key());
     EXPECT_THAT(keys, testing::UnorderedElementsAre("file", "blocks", "history", "end", "next", "executed", "undone",
-                                                    "milliseconds", "notes", "saved"));
+                                                    "milliseconds", "notes", "saved", "report"));
     EXPECT_EQ(document["file"], "p.xml");
     EXPECT_EQ(document["end"], "stopped");
     EXPECT_EQ(document["next"], "C");
@@ -255,8 +255,8 @@ TEST(RunningScripts, KeepTheirOutputWhenPiped) {
     study.scriptOf("A", "print('to out')\nimport sys\nprint('to err', file=sys.stderr)\nsys.stdout.write('no end')");
     study.document(process(block("A")));
     ProgramRun const run = study.run();
-    EXPECT_EQ(withoutTimes(run.out), "to out\nno endA  # ms  Executed\nended: 1 block executed,  # ms\n");
-    EXPECT_EQ(run.err, "to err\n");
+    EXPECT_EQ(withoutTimes(run.out), "  A | to out\n  A | no end\nA  # ms  Executed\nended: 1 block executed,  # ms\n");
+    EXPECT_EQ(run.err, "  A ! to err\n");
 }
 
 TEST(RunningScripts, DoNotDisturbTheJsonDocument) {
@@ -268,7 +268,9 @@ TEST(RunningScripts, DoNotDisturbTheJsonDocument) {
     json const document = jsonOf(run);
     ASSERT_TRUE(document.is_object()) << run.out;
     EXPECT_EQ(document["history"], json({"one", "two"}));
-    EXPECT_EQ(run.err, "to out\nfrom a child\nraw\n");
+    EXPECT_EQ(document["blocks"][0]["printed"],
+              json::parse(R"([{"stream": "output", "text": "to out\nfrom a child\nraw\n"}])"));
+    EXPECT_EQ(run.err, "  A | to out\n  A | from a child\n  A | raw\n");
 }
 
 TEST(Progress, IsShownOnATerminalAndOutOfTheWayOfWhatScriptsPrint) {
@@ -280,12 +282,12 @@ TEST(Progress, IsShownOnATerminalAndOutOfTheWayOfWhatScriptsPrint) {
     setting.errorTerminal = true;
     ProgramRun const run = study.run({}, setting);
     EXPECT_EQ(run.err, "\r\x1b[Krunning A (0 blocks done)\r\x1b[K"
-                       "\r\x1b[Krunning B (1 block done)\r\x1b[Kprinted\r\n");
+                       "\r\x1b[Krunning B (1 block done, under 1 s left)\r\x1b[K  B ! printed\r\n");
     EXPECT_EQ(withoutTimes(run.out), "A  # ms  Executed\nB  # ms  Executed\nended: 2 blocks executed,  # ms\n");
     setting.errorTerminal = false;
-    EXPECT_EQ(study.run({}, setting).err, "printed\n");
+    EXPECT_EQ(study.run({}, setting).err, "  B ! printed\n");
     setting.errorTerminal = true;
-    EXPECT_EQ(study.run({"--json"}, setting).err, "printed\r\n");
+    EXPECT_EQ(study.run({"--json"}, setting).err, "  B ! printed\r\n");
 }
 
 TEST(RunningScripts, WriteHistoryAsLines) {
@@ -302,7 +304,7 @@ TEST(RunningScripts, SpeakUnicodeInABareEnvironment) {
     study.scriptOf("A", "print('Länge ≤ 5 µm 梁')\nvariables.setStringVarValue('Out', 'Träger 梁')");
     study.document(process(block("A", variable("Out", "String", "", "Output"))));
     ProgramRun const run = study.run();
-    EXPECT_EQ(withoutTimes(run.out), "Länge ≤ 5 µm 梁\nA  # ms  Executed  Out=Träger 梁\n"
+    EXPECT_EQ(withoutTimes(run.out), "  A | Länge ≤ 5 µm 梁\nA  # ms  Executed  Out=Träger 梁\n"
                                      "ended: 1 block executed,  # ms\n");
     EXPECT_EQ(run.err, "");
 }
@@ -378,17 +380,18 @@ TEST(RunningScripts, OfTheFirstRootComeBeforeThoseOfTheDocument) {
     study.folder().write("own/s/__init__.py", "");
     study.folder().write("own/s/A.py", script("A", "print('of the root')"));
     study.document(process(block("A")));
-    EXPECT_THAT(study.run().out, StartsWith("beside the document\n"));
-    EXPECT_THAT(study.run({"--scripts", "own"}).out, StartsWith("of the root\n"));
+    EXPECT_THAT(study.run().out, StartsWith("  A | beside the document\n"));
+    EXPECT_THAT(study.run({"--scripts", "own"}).out, StartsWith("  A | of the root\n"));
 }
 
 TEST(RunningScripts, AreToldTheirDirection) {
     Study study;
     study.scriptOf("A", "print('type', api.getExecutionType())", "print('type', api.getExecutionType())");
     study.document(process(block("A")));
-    EXPECT_EQ(withoutTimes(study.run({"--undo", "1"}).out),
-              "type 0\nA  # ms  Executed\ntype 1\nA  # ms  Undone\nstopped before A: 1 block executed, 1 undone,"
-              "  # ms\n");
+    EXPECT_EQ(
+        withoutTimes(study.run({"--undo", "1"}).out),
+        "  A | type 0\nA  # ms  Executed\n  A | type 1\nA  # ms  Undone\nstopped before A: 1 block executed, 1 undone,"
+        "  # ms\n");
 }
 
 TEST(RunningScripts, AskForConsentOfABlockMarkedToBeSkipped) {
@@ -428,7 +431,7 @@ protected:
 TEST_F(FailingScript, ThatRaisesEndsTheRunAndShowsItsTraceback) {
     study.scriptOf("B", "print('before')\nraise ValueError('bad beam')");
     ProgramRun const run = expectFailure("s/B.py:14: `raise ValueError('bad beam')`: ValueError: bad beam");
-    EXPECT_EQ(withoutTimes(run.out), "A  # ms  Executed\nS  # ms  Executed\nbefore\nS.B  # ms  Failed\n"
+    EXPECT_EQ(withoutTimes(run.out), "A  # ms  Executed\nS  # ms  Executed\n  S.B | before\nS.B  # ms  Failed\n"
                                      "failed: 2 blocks executed,  # ms\n");
     std::string const file = (study.path() / "s/B.py").string();
     EXPECT_EQ(withName(run.err, file, "B.py"), "block S.B: Traceback (most recent call last):\n"
@@ -607,7 +610,7 @@ TEST(Interrupt, StopsAnEndlessScript) {
         ProgramRun const run = study.run({}, setting);
         EXPECT_EQ(run.exitCode, 130);
         EXPECT_LT(run.seconds, 20.0);
-        EXPECT_EQ(withoutTimes(run.out), "here\nA  # ms  Interrupted\ninterrupted: 0 blocks executed,  # ms\n");
+        EXPECT_EQ(withoutTimes(run.out), "  A | here\nA  # ms  Interrupted\ninterrupted: 0 blocks executed,  # ms\n");
         EXPECT_EQ(run.err, "flowmere: p.xml: A: interrupted\n");
     }
 }
@@ -730,11 +733,11 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"UnknownCommand", {"rnu"}, "rnu: there is no such command; did you mean run?"},
         WrongUse{"UnknownOption",
                  {"run", "p.xml", "--sep", "1"},
-                 "The following arguments were not expected: 1 --sep (see flowmere run --help)"},
+                 "--sep: there is no such option; did you mean --set or --step?"},
         WrongUse{"NoFile", {"run"}, "FILE is required (see flowmere run --help)"},
         WrongUse{"TwoFiles",
                  {"run", "p.xml", "q.xml"},
-                 "The following argument was not expected: q.xml (see flowmere run --help)"},
+                 "q.xml: there is no place for this argument (see flowmere run --help)"},
         WrongUse{"EmptyName", {"run", ""}, "the name of the document is empty"},
         WrongUse{"StepZero",
                  {"run", "p.xml", "--step", "0"},
@@ -746,8 +749,11 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"Folder", {"run", "folder"}, "folder: is a folder"},
         WrongUse{"Device", {"run", "/dev/null"}, "/dev/null: is no regular file"},
         WrongUse{"EmptyFile", {"run", "empty.xml"}, "empty.xml: is empty"},
-        WrongUse{"NoMarkup", {"run", "text.txt"}, "text.txt: is no process document: it is no well-formed XML"},
-        WrongUse{"Truncated", {"run", "cut.xml"}, "cut.xml: is no process document: it is no well-formed XML"},
+        WrongUse{"NoMarkup",
+                 {"run", "text.txt"},
+                 "text.txt: line 1, column 1: no well-formed XML: invalid document structure"},
+        WrongUse{
+            "Truncated", {"run", "cut.xml"}, "cut.xml: line 5, column 38: no well-formed XML: unexpected end of input"},
         WrongUse{"NoBlocks", {"run", "nothing.xml"}, "nothing.xml: holds no block to run"},
         WrongUse{"AnotherKind",
                  {"run", "other.xml"},
@@ -786,9 +792,9 @@ TEST(ValuesFromTheCommandLine, FitTheirType) {
         block("A", variable("L", "DoubleArray", "[1]") + variable("S", "String", "") + variable("F", "Float", "1"))));
     for (std::string const list : {"L=[1, 2.5]", "L=1,2.5", "L= 1 , 2.5 "}) {
         ProgramRun const run = study.run({"--set", "A." + list, "--set", "A.S=a=b \"c\"", "--set", "A.F=+1e3"});
-        EXPECT_THAT(run.out, StartsWith("[1.0, 2.5] a=b \"c\" 1000.0\n")) << run.err;
+        EXPECT_THAT(run.out, StartsWith("  A | [1.0, 2.5] a=b \"c\" 1000.0\n")) << run.err;
     }
-    EXPECT_THAT(study.run({"--set", "A.L=[]"}).out, StartsWith("[]"));
+    EXPECT_THAT(study.run({"--set", "A.L=[]"}).out, StartsWith("  A | []"));
 }
 
 // Hostile documents
@@ -824,7 +830,7 @@ TEST(HostileDocuments, LinkLoopsOfAnyLengthReadAsThemselves) {
                                variable("R", "Int", "3", "Input", "A.S") + variable("S", "Int", "4", "Input", "A.Q"))));
     ProgramRun const run = study.run({"--save", "out.xml"});
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(run.out, StartsWith("[1, 2, 3, 4]\n"));
+    EXPECT_THAT(run.out, StartsWith("  A | [1, 2, 3, 4]\n"));
 }
 
 // Links to other files
