@@ -128,7 +128,10 @@ void addCheck(CLI::App& app, Result& result) {
                     "Rules: dead-link, link-loop, missing-connector-block, missing-file, duplicate-id,\n"
                     "duplicate-variable, unreachable-block, decision-grip, missing-script, script-syntax,\n"
                     "script-class, script-import, not-identifier.\n"
-                    "Exit code: 0 nothing found, 1 something found, 2 a file cannot be read.");
+                    "Exit code: 0 nothing found, 1 something found, 2 a file cannot be read.\n"
+                    "\n"
+                    "Example:\n"
+                    "  flowmere check beam.xml plant.xml");
     command->callback([options, &result] { result.exitCode = checkAll(*options); });
 }
 

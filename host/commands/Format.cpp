@@ -1,17 +1,20 @@
 #include "host/commands/Format.h"
 
+#include "host/SafeFile.h"
 #include "host/Text.h"
 #include "host/WorkFolder.h"
+#include "host/XmlFault.h"
 
 #include "flowmere/Flowmere.h"
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -24,6 +27,7 @@ namespace {
 
 struct Options {
     std::string file;
+    bool json = false;
 };
 
 std::string readingFault(fs::path const& file) {
@@ -66,34 +70,33 @@ int format(Options const& options) {
     auto const fail = [&](std::string const& cause) {
         throw Failure(target.string(), "", "cannot be written: " + cause);
     };
-    std::error_code error;
-    if (fs::is_directory(target, error))
-        fail("it is a folder");
+    SafeFile::check(target.string());
 
     // The library works beside its input and tells nothing: on a copy, what came of it can be seen before it counts.
-    WorkFolder const work(target, fs::absolute(target).parent_path());
+    std::error_code error;
+    WorkFolder const work(target);
     fs::path const copy = work.path() / "document.xml";
     fs::path const formatted = work.path() / "document.for";
     fs::copy_file(options.file, copy, error);
     if (error)
         fail(error.message());
     CFCWriter::LoadAndFormatXML(libraryPath(copy));
-    if (!fs::exists(formatted, error))
-        throw Failure(options.file, "", "is no well-formed XML");
+    if (!fs::exists(formatted, error)) {
+        checkIsXml(copy, options.file);
+        fail("there is no room in " + work.path().parent_path().string());
+    }
     // A second pass over a file that did not come to disk whole finds nothing to format.
     fs::path const again = work.path() / "again.xml";
     fs::copy_file(formatted, again, error);
     if (!error)
         CFCWriter::LoadAndFormatXML(libraryPath(again));
     if (error || !fs::exists(work.path() / "again.for", error))
-        fail("the disk may be full");
+        fail(error ? error.message() : "there is no room in " + work.path().parent_path().string());
 
-    fs::rename(formatted, target, error);
-    if (error == std::errc::cross_device_link)
-        fs::copy_file(formatted, target, fs::copy_options::overwrite_existing, error);
-    if (error)
-        fail(error.message());
-    fmt::print("{}\n", oneLine(target.string()));
+    std::ifstream in(formatted, std::ios::binary);
+    saveBytes(target.string(), std::string(std::istreambuf_iterator<char>(in), {}));
+    printOut(options.json ? jsonText({{"file", options.file}, {"result", target.string()}})
+                          : oneLine(target.string()) + "\n");
     return kExitWell;
 }
 
@@ -103,8 +106,12 @@ void addFormat(CLI::App& app, Result& result) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command = app.add_subcommand("format", "Write an XML file anew, each element on a line of its own");
     command->add_option("FILE", options->file, "The file, which stays as it is")->required();
+    command->add_flag("--json", options->json, "Print the path as JSON");
     command->footer("The result stands beside the file: beam.xml gives beam.for, and any other name gets .for\n"
-                    "behind it. A result that is already there is replaced. Prints the path of the result.");
+                    "behind it. A result that is already there is replaced. Prints the path of the result.\n"
+                    "\n"
+                    "Example:\n"
+                    "  flowmere format beam.xml");
     command->callback([options, &result] { result.exitCode = format(*options); });
 }
 

@@ -1,6 +1,7 @@
 #include "host/commands/Generate.h"
 
 #include "host/Document.h"
+#include "host/SafeFile.h"
 #include "host/Text.h"
 #include "host/Tree.h"
 #include "host/WorkFolder.h"
@@ -8,9 +9,8 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -20,7 +20,6 @@
 #include <set>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace flowmere::host {
@@ -33,6 +32,7 @@ struct Options {
     std::string file;
     std::string out;
     bool keepUserCode = false;
+    bool json = false;
 };
 
 // The endings of what the library writes: a file without them did not come to disk whole.
@@ -69,16 +69,33 @@ public:
         for (TreeNode const& node : m_tree.nodes())
             if (node.parent != Tree::kNone && node.block != nullptr && isScriptedKind(node.node->GetNodeType()))
                 generate(node);
-        fmt::print("{}, {} written{}{}\n", counted(m_blocks, "block"), counted(m_written, "file"),
-                   m_kept == 0 ? "" : fmt::format(", {} kept", counted(m_kept, "file")),
-                   m_leftOut == 0 ? "" : fmt::format(", {} left out", counted(m_leftOut, "block")));
+        say(fmt::format("{}, {} written{}{}\n", counted(m_blocks, "block"), counted(m_written, "file"),
+                        m_kept == 0 ? "" : fmt::format(", {} kept", counted(m_kept, "file")),
+                        m_leftOut == 0 ? "" : fmt::format(", {} left out", counted(m_leftOut, "block"))));
+        if (m_options.json)
+            printOut(jsonText({{"file", m_options.file},
+                               {"folder", m_options.out},
+                               {"blocks", m_entries},
+                               {"written", m_written},
+                               {"kept", m_kept},
+                               {"complaints", m_complaints}}));
         return m_leftOut > 0 || m_isDoubtful ? kExitFound : kExitWell;
     }
 
 private:
-    void complain(TreeNode const& node, std::string const& cause) const {
-        std::fflush(stdout);
-        fmt::print(stderr, "{}\n", errorLine(m_options.file, node.path, cause));
+    void say(std::string const& text) const {
+        if (!m_options.json)
+            printOut(text);
+    }
+
+    void complain(TreeNode const& node, std::string const& cause) {
+        printError(errorLine(m_options.file, node.path, cause) + "\n");
+        m_complaints.push_back({{"path", node.path}, {"message", cause}});
+    }
+
+    void hint(std::string const& text) {
+        say("  " + text + "\n");
+        m_entries.back()["hint"] = text;
     }
 
     void leaveOut(TreeNode const& node, std::string const& cause) {
@@ -121,12 +138,13 @@ private:
         Generated const texts = textsOf(block);
         makeFolder(folder);
         ++m_blocks;
-        fmt::print("{}: script {}\n", oneLine(node.path), generatedName);
+        say(fmt::format("{}: script {}\n", oneLine(node.path), generatedName));
+        m_entries.push_back({{"path", node.path}, {"script", generatedName}, {"files", Json::array()}});
         writeMain(folder / (node.id + ".py"), texts.main);
         write(folder / (node.id + "Block.py"), texts.companion);
         writePackage(folder / "__init__.py", texts.package);
         if (!scriptName.empty() && scriptName != generatedName)
-            fmt::print("  the document names the script {}: change that to run this one\n", oneLine(scriptName));
+            hint(fmt::format("the document names the script {}: change that to run this one", oneLine(scriptName)));
         else if (parts.empty())
             hintAtPackage(node);
     }
@@ -135,10 +153,10 @@ private:
     void hintAtPackage(TreeNode const& node) {
         std::string const name = m_out.filename().string();
         if (m_scripts.isIdentifier(name))
-            fmt::print("  to run it, let the document name the script {}.{}, and run with --scripts {}\n", name,
-                       node.id, m_out.parent_path().string());
+            hint(fmt::format("to run it, let the document name the script {}.{}, and run with --scripts {}", name,
+                             node.id, m_out.parent_path().string()));
         else
-            fmt::print("  to run it, the script needs a package: let the document name it package.{}\n", node.id);
+            hint(fmt::format("to run it, the script needs a package: let the document name it package.{}", node.id));
     }
 
     Generated textsOf(CFCBlockNode& block) {
@@ -164,45 +182,20 @@ private:
                           error ? "cannot be made: " + error.message() : "cannot be made: it is a file");
     }
 
-    // The text takes the place of the file in one step.
-    static void put(fs::path const& file, std::string const& text) {
-        auto const fail = [&](std::string const& cause) {
-            throw Failure(file.string(), "", "cannot be written: " + cause);
-        };
-        std::error_code error;
-        if (fs::is_directory(file, error))
-            fail("it is a folder");
-        fs::path temporary = file;
-        temporary += fmt::format(".{}.tmp", ::getpid());
-        errno = 0;
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        if (!out)
-            fail(std::strerror(errno));
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.close();
-        if (!out) {
-            std::string const cause = std::strerror(errno);
-            fs::remove(temporary, error);
-            fail(cause);
-        }
-        fs::rename(temporary, file, error);
-        if (error) {
-            std::string const cause = error.message();
-            fs::remove(temporary, error);
-            fail(cause);
-        }
-    }
-
     void write(fs::path const& file, std::string const& text) {
-        put(file, text);
+        saveBytes(file.string(), text);
         ++m_written;
-        fmt::print("  {}\n", shown(file));
+        say(fmt::format("  {}\n", oneLine(shown(file))));
+        note({{"file", shown(file)}, {"state", "written"}});
     }
 
     void keep(fs::path const& file) {
         ++m_kept;
-        fmt::print("  {} kept\n", shown(file));
+        say(fmt::format("  {} kept\n", oneLine(shown(file))));
+        note({{"file", shown(file)}, {"state", "kept"}});
     }
+
+    void note(Json entry) { m_entries.back()["files"].push_back(std::move(entry)); }
 
     // Writes over a file that a person may have changed, once what it held is safe.
     void writeWithBackup(fs::path const& file, std::string const& text, std::string const& held) {
@@ -215,10 +208,11 @@ private:
             found = contentOf(backup);
         }
         if (found != held)
-            put(backup, held);
-        put(file, text);
+            saveBytes(backup.string(), held);
+        saveBytes(file.string(), text);
         ++m_written;
-        fmt::print("  {} (what it held is in {})\n", shown(file), backup.filename().string());
+        say(fmt::format("  {} (what it held is in {})\n", oneLine(shown(file)), oneLine(backup.filename().string())));
+        note({{"file", shown(file)}, {"state", "written"}, {"backup", shown(backup)}});
     }
 
     void writeMain(fs::path const& file, std::string const& text) {
@@ -244,7 +238,7 @@ private:
 
     // Below the folder as the user named it.
     std::string shown(fs::path const& file) const {
-        return oneLine((fs::path(m_options.out) / file.lexically_relative(m_out)).lexically_normal().string());
+        return (fs::path(m_options.out) / file.lexically_relative(m_out)).lexically_normal().string();
     }
 
     Options const& m_options;
@@ -255,6 +249,8 @@ private:
     fs::path m_out;
     std::map<fs::path, std::string> m_owners; // of each module without its ending: the block
     std::set<fs::path> m_packages;
+    Json m_entries = Json::array();    // of the blocks
+    Json m_complaints = Json::array(); // what standard error tells
     std::size_t m_blocks = 0;
     std::size_t m_written = 0;
     std::size_t m_kept = 0;
@@ -275,11 +271,15 @@ void addGenerate(CLI::App& app, Result& result) {
         ->type_name("DIR");
     command->add_flag("--keep-user-code", options->keepUserCode,
                       "Leave the file with the user's code as it is where there is one");
+    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
     command->footer("For a block Name: Name.py with the user's code, NameBlock.py with its variables, which is\n"
                     "written anew each time, and __init__.py. Without --keep-user-code a Name.py that differs is\n"
                     "kept as Name.py.bak.\n"
                     "Exit code: 0 all went well, 1 a block was left out or has a name that is no Python name,\n"
-                    "2 a file cannot be read or written.");
+                    "2 a file cannot be read or written.\n"
+                    "\n"
+                    "Example:\n"
+                    "  flowmere generate beam.xml --out scripts --keep-user-code");
     command->callback([options, &result] { result.exitCode = Generator(*options).work(); });
 }
 

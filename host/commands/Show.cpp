@@ -272,6 +272,10 @@ void addShow(CLI::App& app, Result& result) {
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     command.add_flag("--json", options->json, "Print the same as JSON");
+    command.footer("Behind <- stands the path that a variable links to; its value is the one at the end of the links.\n"
+                   "\n"
+                   "Example:\n"
+                   "  flowmere show beam.xml --scripts library");
     command.callback([options, &result] { result.exitCode = show(*options); });
 }
 

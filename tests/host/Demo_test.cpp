@@ -123,7 +123,7 @@ TEST(BeamStudy, EndsInAnErrorWhenNoProfileIsStrongEnough) {
 
 TEST(BeamStudy, IsWrittenAsTheLibraryWritesIt) {
     ScratchFolder const scratch;
-    host::Document const document((kBeam / "beam.xml").string());
+    host::Document document((kBeam / "beam.xml").string());
     document.save((scratch / "copy.xml").string());
     // Whole documents make unreadable messages.
     EXPECT_TRUE(scratch.read("copy.xml") == readFile(kBeam / "beam.xml"));

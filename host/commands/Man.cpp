@@ -1,0 +1,84 @@
+#include "host/commands/Man.h"
+
+#include "host/HelpPages.h"
+#include "host/SafeFile.h"
+#include "host/Text.h"
+
+#include "flowmere/Flowmere.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace flowmere::host {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Options {
+    std::string command;
+    std::string folder;
+    bool json = false;
+};
+
+CommandText const& pageOf(CommandText const& program, std::string const& name) {
+    if (name.empty() || name == program.name())
+        return program;
+    std::vector<std::string> names;
+    for (CommandText const& command : program.commands) {
+        if (command.name() == name)
+            return command;
+        names.push_back(command.name());
+    }
+    throw Failure("", name, "there is no such command" + suggestion(name, names));
+}
+
+void writePages(CommandText const& program, std::string const& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (!fs::is_directory(folder))
+        throw Failure(folder, "", "cannot be made: " + error.message());
+    auto const write = [&](CommandText const& command) {
+        saveBytes((fs::path(folder) / manPageFile(command)).string(),
+                  manPage(program, command, flowmere::versionText()));
+    };
+    write(program);
+    for (CommandText const& command : program.commands)
+        write(command);
+}
+
+int show(CLI::App const& app, Options const& options) {
+    CommandText const program = commandText(app);
+    CommandText const& command = pageOf(program, options.command);
+    if (!options.folder.empty())
+        writePages(program, options.folder);
+    else
+        printOut(options.json ? jsonText(helpJson(command)) : manPage(program, command, flowmere::versionText()));
+    return kExitWell;
+}
+
+} // namespace
+
+void addMan(CLI::App& app, Result& result) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("man", "Print a man page, made from the texts of --help");
+    command->add_option("COMMAND", options->command, "The command; the program itself when there is none");
+    CLI::Option* const json =
+        command->add_flag("--json", options->json, "Print commands, options and their texts as JSON");
+    command->add_option("--all", options->folder, "Write the pages of the program and of all commands into a folder")
+        ->type_name("DIR")
+        ->excludes(json);
+    command->footer("The page is text for man and groff. Pages of an installed program are found by man itself.\n"
+                    "\n"
+                    "Example:\n"
+                    "  flowmere man run | man -l -");
+    command->callback([&app, options, &result] { result.exitCode = show(app, *options); });
+}
+
+} // namespace flowmere::host
