@@ -1,0 +1,10 @@
+#pragma once
+
+#include "host/Command.h"
+
+namespace flowmere::host {
+
+// flowmere library list|show|add|merge: the lists of the process library.
+void addLibrary(CLI::App& app, Result& result);
+
+} // namespace flowmere::host
