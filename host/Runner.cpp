@@ -197,7 +197,7 @@ std::optional<RunEnd> Runner::passOver(CFCBlockNode& block) {
     result.path = pathOf(block);
     runScript(block, result, [&](bool hasScript) {
         if (hasScript)
-            consent = block.CheckBlockExecuteMethod("CanSkip");
+            consent = CFCPythonInterface().executeCheckInterface(utf8(block.GetScriptName()).c_str(), "CanSkip");
     });
     RunStep done;
     done.block = &block;
@@ -371,8 +371,6 @@ RunEnd Runner::undo() {
     std::size_t const index = m_done.size() - 1;
     CFCBlockNode& block = *m_done[index].block;
     CFCBlockNode* const before = blockBelow(index);
-    CFCBlockNode* const next = nextBlock();
-    bool const wasFailed = m_failed;
     if (m_observer.beforeBlock)
         m_observer.beforeBlock(block, true);
 
@@ -392,25 +390,12 @@ RunEnd Runner::undo() {
         result.state = BlockRun::State::Failed;
         result.error = errorsOfBefore.front();
     }
-    // A block that may not be undone is not even started.
-    bool const isRefused = result.state == BlockRun::State::Undone && !m_done[index].isSkipped &&
-                           process.getExecutionStatus() != CFCProcessNode::ExecutionRunning;
-    if (isRefused) {
-        result.state = BlockRun::State::Failed;
-        result.error.emplace();
-        result.error->block = result.path;
-        result.error->type = "CanUndo";
-        result.error->text = "the script does not let the block be undone";
-    }
     // The tick wrote the way that it came into the block before, as a way back.
     if (before != nullptr)
         before->setPreviouslyExecutedBlock(blockBelow(index - 1));
 
     bool const undone = result.state == BlockRun::State::Undone;
-    if (isRefused) {
-        process.setExecutionStatus(wasFailed ? CFCProcessNode::ExecutionFailed : CFCProcessNode::ExecutionReady);
-        m_undone = next;
-    } else if (undone) {
+    if (undone) {
         block.SetActiveHandle(m_done[index].gripBefore);
         m_undone = m_done[index].at.value_or(&block);
         m_done.pop_back();

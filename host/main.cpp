@@ -9,8 +9,10 @@
 #include "host/commands/Draw.h"
 #include "host/commands/Format.h"
 #include "host/commands/Generate.h"
+#include "host/commands/Library.h"
 #include "host/commands/Man.h"
 #include "host/commands/Run.h"
+#include "host/commands/Shell.h"
 #include "host/commands/Show.h"
 
 #include <CLI/CLI.hpp>
@@ -36,9 +38,11 @@ constexpr void (*kCommands[])(CLI::App& app, Result& result) = {
     addCheck,      //
     addDiff,       //
     addRun,        //
+    addShell,      //
     addGenerate,   //
     addFormat,     //
     addCatalog,    //
+    addLibrary,    //
     addCompletion, //
     addMan,        //
 };

@@ -16,6 +16,7 @@
 #include <poll.h>
 #include <regex>
 #include <string>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -34,7 +35,9 @@ struct ProgramSetting {
     std::filesystem::path folder = {};   // where it runs; the tests' own when empty
     std::string interruptAt = {};        // sends SIGINT once standard output holds this
     int interrupts = 1;                  // how often, a little apart
+    std::string inputFrom = "/dev/null"; // a file for standard input
     std::string outputTo = {};           // a file for standard output in place of the pipe
+    unsigned long fileSizeLimit = 0;     // no file may become longer than so many bytes; 0 for any length
     double limitSeconds = 60;            // killed after that, which is a failure
     bool errorTerminal = false;          // standard error is a terminal
     std::vector<std::string> extra = {}; // further variables of the environment
@@ -106,12 +109,16 @@ inline ProgramRun runProgram(std::vector<std::string> const& arguments, ProgramS
     auto const start = std::chrono::steady_clock::now();
     pid_t const child = ::fork();
     if (child == 0) {
-        int const none = ::open("/dev/null", O_RDONLY);
-        ::dup2(none, 0);
+        int const input = ::open(setting.inputFrom.c_str(), O_RDONLY | O_CLOEXEC);
+        ::dup2(input, 0);
         int const target =
             setting.outputTo.empty() ? out[1] : ::open(setting.outputTo.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
         ::dup2(target, 1);
         ::dup2(err[1], 2);
+        if (setting.fileSizeLimit > 0) {
+            rlimit const limit{setting.fileSizeLimit, setting.fileSizeLimit};
+            ::setrlimit(RLIMIT_FSIZE, &limit);
+        }
         if (!setting.folder.empty() && ::chdir(setting.folder.c_str()) != 0)
             ::_exit(126);
         ::execve(FLOWMERE_PROGRAM, argv.data(), envp.data());
