@@ -55,6 +55,8 @@ class BlockDebugger(pdb.Pdb):
         # There are no commands left.
         self._is_done = False
         self._after_failure = False
+        # Of the calls that talk to the user, one within the other.
+        self._depth = 0
         self.has_quit = False
 
     # What the blocks of the host call
@@ -90,12 +92,12 @@ class BlockDebugger(pdb.Pdb):
         if trace is None or self._is_done or self.has_quit:
             return
         stack, _ = self.get_stack(None, trace)
-        if not any(_flowmere_setup.lies_in_scripts(frame.f_code.co_filename) for frame, _ in stack):
+        if _flowmere_setup.users_place([frame.f_code.co_filename for frame, _ in stack]) < 0:
             return
         self.reset()
         self._after_failure = True
         try:
-            self._say("block {} has failed", _flowmere.executing_path())
+            self.message("block {} has failed".format(_flowmere.executing_path()))
             self.interaction(None, trace)
         finally:
             self._after_failure = False
@@ -134,7 +136,7 @@ class BlockDebugger(pdb.Pdb):
 
     def user_line(self, frame):
         if self._awaited and self._is_awaited(frame):
-            self._say("block {} stops in {}", _flowmere.executing_path(), self._awaited)
+            self.message("block {} stops in {}".format(_flowmere.executing_path(), self._awaited))
             self._awaited = ""
         super().user_line(frame)
 
@@ -149,31 +151,36 @@ class BlockDebugger(pdb.Pdb):
     def setup(self, frame, trace):
         result = super().setup(frame, trace)
         if trace is not None and self._after_failure:
-            # The innermost place that the user has written.
-            for index, (frame, _) in enumerate(self.stack):
-                if _flowmere_setup.lies_in_scripts(frame.f_code.co_filename):
-                    self.curindex = index
+            place = _flowmere_setup.users_place([frame.f_code.co_filename for frame, _ in self.stack])
+            self.curindex = max(place, 0)
             self.curframe = self.stack[self.curindex][0]
             self.curframe_locals = self.curframe.f_locals
         return result
 
     # The talk
 
-    def _say(self, form, *values):
-        _flowmere.pause_output()
+    @contextlib.contextmanager
+    def _aside(self):
+        """What is printed within is no output of the block."""
+        if self._depth == 0:
+            _flowmere.pause_output()
+        self._depth += 1
         try:
-            self.message(form.format(*values))
+            yield
         finally:
-            _flowmere.resume_output()
+            self._depth -= 1
+            if self._depth == 0:
+                _flowmere.resume_output()
+
+    def message(self, text):
+        if not self._is_done:
+            with self._aside():
+                super().message(text)
 
     def interaction(self, *arguments):
-        if self._is_done:
-            return
-        _flowmere.pause_output()
-        try:
-            super().interaction(*arguments)
-        finally:
-            _flowmere.resume_output()
+        if not self._is_done:
+            with self._aside():
+                super().interaction(*arguments)
 
     def _cmdloop(self):
         try:

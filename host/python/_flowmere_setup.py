@@ -139,12 +139,28 @@ def _source_line(path, number):
     return line if len(line) <= _LONGEST_SOURCE else line[:_LONGEST_SOURCE] + "..."
 
 
+def _is_companion(path):
+    """Whether it is the generated base of a script that stands beside it."""
+    ending = "Block.py"
+    return path.endswith(ending) and os.path.exists(path[: -len(ending)] + ".py")
+
+
+def users_place(paths):
+    """Which of the files, the outermost first, the user has written: the place of the innermost one, or -1."""
+    found = -1
+    for index, path in enumerate(paths):
+        if lies_in_scripts(path) and (found < 0 or not _is_companion(path) or _is_companion(paths[found])):
+            found = index
+    return found
+
+
 def _place_of(value, trace):
     """File, line and source line of the user's script at which it went wrong."""
     path, number = "", 0
-    for frame, line in traceback.walk_tb(trace):
-        if lies_in_scripts(frame.f_code.co_filename):
-            path, number = frame.f_code.co_filename, line
+    frames = [(frame.f_code.co_filename, line) for frame, line in traceback.walk_tb(trace)]
+    place = users_place([name for name, _ in frames])
+    if place >= 0:
+        path, number = frames[place]
     if _is_fault_of_file(value):
         path, number = value.filename, value.lineno
     if not path:

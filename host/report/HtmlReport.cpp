@@ -33,7 +33,7 @@ constexpr std::string_view kStyle = R"(
   :root { --paper: #16191c; --ink: #e3e6e8; --dim: #9aa4ab; --line: #343a40; --tint: #20252a;
     --good: #6fcf8f; --bad: #ff8a80; --warn: #f0b95a; --bar: #4c7fb3; --changed: #3d3417; } }
 * { box-sizing: border-box; }
-body { margin: 0 auto; max-width: 76rem; padding: 1.5rem; background: var(--paper); color: var(--ink);
+body { margin: 0 auto; max-width: 76rem; padding: 1.5rem; background-color: var(--paper); color: var(--ink);
   font: 15px/1.5 system-ui, sans-serif; }
 h1 { font-size: 1.6rem; margin: 0; overflow-wrap: anywhere; }
 h2 { font-size: 1.15rem; margin: 2.2rem 0 .6rem; padding-bottom: .2rem; border-bottom: 1px solid var(--line); }
@@ -47,30 +47,33 @@ table { width: 100%; border-collapse: collapse; }
 th { text-align: left; color: var(--dim); font-weight: normal; border-bottom: 1px solid var(--line); }
 th, td { padding: .25rem .6rem .25rem 0; vertical-align: top; }
 td { border-bottom: 1px solid var(--tint); overflow-wrap: anywhere; }
+.name { min-width: 11rem; }
+.empty { color: var(--dim); white-space: nowrap; }
 .number { text-align: right; white-space: nowrap; font-variant-numeric: tabular-nums; }
 .track { width: 22%; }
-.bar { height: .7rem; min-width: 1px; margin-top: .35rem; background: var(--bar); }
+.bar { height: .7rem; min-width: 1px; margin-top: .35rem; background-color: var(--bar); }
 .value, pre, code { font-family: ui-monospace, monospace; font-size: .88em; white-space: pre-wrap; overflow-wrap: anywhere; }
-pre { margin: .3rem 0; padding: .5rem .7rem; background: var(--tint); border-left: 3px solid var(--line); }
+pre { margin: .3rem 0; padding: .5rem .7rem; background-color: var(--tint); border-left: 3px solid var(--line); }
 .state { font-weight: 600; white-space: nowrap; }
 .Executed, .ended { color: var(--good); }
 .Failed, .failed, .err { color: var(--bad); }
 .Interrupted, .interrupted, .stopped { color: var(--warn); }
 .Undone { color: var(--dim); }
-.changed td:last-child { background: var(--changed); }
+.changed td:last-child { background-color: var(--changed); }
+pre .err { font-style: italic; }
 .odd { border: 1px solid currentColor; border-radius: 2px; padding: 0 1px; font-size: .85em; opacity: .75; }
 .error { border-left: 3px solid var(--bad); padding-left: .8rem; margin: 1rem 0; }
 .none { color: var(--dim); }
 summary { cursor: pointer; color: var(--dim); }
-figure { margin: 0; max-height: 85vh; overflow: auto; background: #fff; border: 1px solid var(--line); }
+figure { margin: 0; max-height: 85vh; overflow: auto; background-color: #fff; border: 1px solid var(--line); }
 figure svg { display: block; margin: 0 auto; }
 @media print {
   body { max-width: none; padding: 0; font-size: 10pt; }
   nav { display: none; }
   figure { max-height: none; overflow: visible; border: none; }
-  figure svg { max-width: 100%; height: auto; }
+  figure svg { max-width: 100%; max-height: 22cm; width: auto; height: auto; }
   details::details-content { content-visibility: visible; display: block; }
-  tr, .error, figure { break-inside: avoid; }
+  tr, figure { break-inside: avoid; }
   h2, h3, summary { break-after: avoid; }
 }
 )";
@@ -91,12 +94,19 @@ std::string element(std::string_view name, std::string_view ofClass, std::string
     return fmt::format("<{0} class=\"{1}\">{2}</{0}>", name, ofClass, content);
 }
 
+// A text with its line ends. The one that it begins with counts as the page's own.
+std::string lines(std::string const& content) {
+    return "<pre>\n" + content + "</pre>";
+}
+
 // A value of a variable, which may be of any length.
 std::string valueText(std::string const& value) {
+    if (value.empty())
+        return "<span class=\"empty\">(empty)</span>";
     if (value.size() <= kUnfoldedValue)
         return element("span", "value", markup(value));
-    return fmt::format("<details><summary>{} ({})</summary><pre>{}</pre></details>",
-                       markup(beginningOf(value, kPreview)), counted(value.size(), "byte"), markup(value));
+    return fmt::format("<details><summary>{} ({})</summary>{}</details>", markup(beginningOf(value, kPreview)),
+                       counted(value.size(), "byte"), lines(markup(value)));
 }
 
 std::size_t sizeOf(std::vector<PrintedText> const& printed) {
@@ -163,7 +173,7 @@ private:
         fact("How it ended", how);
         fact("What ran", what);
         fact("Time in blocks", timeText(m_report.milliseconds));
-        fact("Begun", markup(m_report.startedAt));
+        fact("Started", markup(m_report.startedAt));
         fact("Document", markup(m_report.file));
         if (m_report.savedTo)
             fact("Saved to", markup(*m_report.savedTo));
@@ -195,9 +205,9 @@ private:
             add("<p>" + markup(place) + "</p>\n");
         }
         if (!error.source.empty())
-            add("<pre>" + markup(error.source) + "</pre>\n");
+            add(lines(markup(error.source)) + "\n");
         if (!error.traceback.empty())
-            add("<details><summary>Traceback</summary><pre>" + markup(error.traceback) + "</pre></details>\n");
+            add("<details><summary>Traceback</summary>" + lines(markup(error.traceback)) + "</details>\n");
         add("</div>\n");
     }
 
@@ -250,7 +260,7 @@ private:
         for (auto const& [name, value] : block.outputs)
             outputs += (outputs.empty() ? "" : "<br/>") + markup(name) + " = " + valueText(value);
         std::string const state = stateName(block.state);
-        add(fmt::format("<tr id=\"run-block-{0}\"><td class=\"number\">{0}</td><td>{1}</td>"
+        add(fmt::format("<tr id=\"run-block-{0}\"><td class=\"number\">{0}</td><td class=\"name\">{1}</td>"
                         "<td class=\"state {2}\">{2}</td><td class=\"number\">{3}</td>"
                         "<td class=\"track\"><div class=\"bar\" style=\"width:{4:.1f}%\"></div></td>"
                         "<td>{5}</td></tr>\n",
@@ -285,7 +295,7 @@ private:
         for (VariableChange const& variable : m_report.variables) {
             if ((variable.before != variable.after) != changed)
                 continue;
-            add("<tr>" + element("td", markup(variable.path)) + element("td", markup(variable.type)) +
+            add("<tr>" + element("td", "name", markup(variable.path)) + element("td", markup(variable.type)) +
                 element("td", valueText(variable.before)));
             if (changed)
                 add(element("td", valueText(variable.after)));
@@ -312,16 +322,15 @@ private:
 
     void output(std::size_t index) {
         std::vector<PrintedText> const& printed = m_report.blocks[index].printed;
-        std::size_t const lines = linesOf(printed);
+        std::size_t const lineTotal = linesOf(printed);
         std::size_t const bytes = sizeOf(printed);
-        bool const isFolded = lines > kUnfoldedLines || bytes > kUnfoldedBytes;
+        bool const isFolded = lineTotal > kUnfoldedLines || bytes > kUnfoldedBytes;
         add(fmt::format("<h3 id=\"run-output-{}\">{} {}</h3>\n", index + 1, index + 1, blockLink(index)));
-        // A first line end within <pre> would be lost.
-        add(fmt::format("<details{}><summary>{}, {}</summary><pre>\n", isFolded ? "" : " open=\"open\"",
-                        counted(lines, "line"), counted(bytes, "byte")));
+        std::string text;
         for (PrintedText const& piece : printed)
-            add(piece.isError ? element("span", "err", markup(piece.text)) : markup(piece.text));
-        add("</pre></details>\n");
+            text += piece.isError ? element("span", "err", markup(piece.text)) : markup(piece.text);
+        add(fmt::format("<details{}><summary>{}, {}</summary>{}</details>\n", isFolded ? "" : " open=\"open\"",
+                        counted(lineTotal, "line"), counted(bytes, "byte"), lines(text)));
     }
 
     void list(std::string_view id, std::string_view title, std::vector<std::string> const& lines) {
