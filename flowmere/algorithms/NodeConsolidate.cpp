@@ -1,14 +1,20 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 
+#include "flowmere/algorithms/TreeWalk.h"
 #include "flowmere/model/FCNode.h"
 #include "flowmere/model/ParentChain.h"
 
+#include <algorithm>
+#include <functional>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace {
 
-// First child of each caption. Made at the first question, since many levels have one entry only to merge.
+// First child of each caption. Made at the first question, since many levels have one entry only to merge. The texts
+// stay with the children: a merge changes no caption.
 class ChildrenByCaption {
 public:
     explicit ChildrenByCaption(IFCNode* parent) : m_parent(parent) {}
@@ -18,24 +24,72 @@ public:
             m_built = true;
             for (IFCNode* child = m_parent != nullptr ? m_parent->GetChild() : nullptr; child != nullptr;
                  child = child->GetNext()) {
-                m_first.try_emplace(TuString(child->GetNodeCaption()), child);
+                Slot& slot = slotOf(child->GetNodeCaption());
+                if (slot.child == nullptr) {
+                    fill(slot, child);
+                }
             }
         }
-        auto const found = m_first.find(TuString(caption));
-        return found != m_first.end() ? found->second : nullptr;
+        return m_slots.empty() ? nullptr : slotOf(caption).child;
     }
 
     // A child that was put in front of the others.
     void prepended(IFCNode* child) {
         if (m_built) {
-            m_first.insert_or_assign(TuString(child->GetNodeCaption()), child);
+            fill(slotOf(child->GetNodeCaption()), child);
         }
     }
 
 private:
+    struct Slot {
+        std::size_t hash = 0; // of the caption that was asked for last, in a free slot
+        IFCNode* child = nullptr;
+    };
+
+    // The slot of this caption, or the free one where it belongs. There is always a free one left.
+    Slot& slotOf(wchar_t const* text) {
+        std::wstring_view const caption = flowmere::viewOf(text);
+        if (4 * (m_used + 1) > 3 * m_slots.size()) {
+            grow();
+        }
+        std::size_t const hash = std::hash<std::wstring_view>()(caption);
+        Slot* slot = &slotAt(hash);
+        while (slot->child != nullptr &&
+               (slot->hash != hash || flowmere::viewOf(slot->child->GetNodeCaption()) != caption)) {
+            slot = &behind(*slot);
+        }
+        if (slot->child == nullptr) {
+            slot->hash = hash;
+        }
+        return *slot;
+    }
+    void fill(Slot& slot, IFCNode* child) {
+        m_used += slot.child == nullptr ? 1 : 0;
+        slot.child = child;
+    }
+    void grow() {
+        std::vector<Slot> const old =
+            std::exchange(m_slots, std::vector<Slot>(std::max<std::size_t>(2 * m_slots.size(), 8)));
+        for (Slot const& entry : old) {
+            if (entry.child != nullptr) {
+                Slot* slot = &slotAt(entry.hash);
+                while (slot->child != nullptr) {
+                    slot = &behind(*slot);
+                }
+                *slot = entry;
+            }
+        }
+    }
+    Slot& slotAt(std::size_t hash) { return m_slots[hash & (m_slots.size() - 1)]; }
+    Slot& behind(Slot& slot) {
+        auto const next = static_cast<std::size_t>(&slot - m_slots.data()) + 1;
+        return m_slots[next & (m_slots.size() - 1)];
+    }
+
     IFCNode* m_parent;
     bool m_built = false;
-    std::unordered_map<TuString, IFCNode*> m_first;
+    std::size_t m_used = 0;
+    std::vector<Slot> m_slots; // a power of two, or none
 };
 
 // One level of a merge: the chain that is left to take in, and what it goes into.

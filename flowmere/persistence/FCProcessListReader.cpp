@@ -2,12 +2,12 @@
 
 #include "flowmere/environment/FCEnvironment.h"
 #include "flowmere/model/FCEnumTranslator.h"
+#include "flowmere/persistence/InitFailure.h"
 #include "flowmere/xml/XmlElements.h"
 
 #include <xercesc/dom/DOM.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 
 namespace {
@@ -47,7 +47,7 @@ bool CFCProcessListReader::Parse(wchar_t const* path, CFCProcessList* list, wcha
     m_bBPMList = file.Find(kBPMListName) > 0;
     m_bUserList = file.Find(CFCEnvironment::GetUserPath()) >= 0;
     if (!Initialize(file)) {
-        std::fputs("Init failed\n", stdout);
+        flowmere::tellInitFailed();
         return false;
     }
     m_pList = list;
