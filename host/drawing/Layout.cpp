@@ -22,6 +22,7 @@ constexpr double kLabelWidth = 130;
 constexpr double kLabelHeight = 64;
 constexpr double kLabelGap = 4;
 constexpr double kDocking = 30; // a route that ends farther from its grip is out of date
+constexpr double kOff = 3;      // what truncation to whole units takes
 constexpr double kWidestTitle = 360;
 
 class Layouter {
@@ -207,8 +208,14 @@ private:
             dock(points, goal);
         } else {
             // The last piece is left out of a file when it goes straight on.
-            Point const last = points.front();
-            if (last.x != goal.x && last.y != goal.y)
+            Point& last = points.front();
+            bool const isUpright = points.size() > 1 && last.x == points[1].x;
+            bool const isLevel = points.size() > 1 && last.y == points[1].y;
+            if (isUpright && std::abs(last.y - goal.y) <= kOff)
+                last.y = goal.y;
+            else if (isLevel && std::abs(last.x - goal.x) <= kOff)
+                last.x = goal.x;
+            else if (last.x != goal.x && last.y != goal.y)
                 points.insert(points.begin(), isVertical(directionsOf(line.endGrip).front()) ? Point{goal.x, last.y}
                                                                                              : Point{last.x, goal.y});
             points.insert(points.begin(), goal);
@@ -252,11 +259,19 @@ private:
     void placeLabels(std::size_t container, std::vector<Rect> const& rects, Router const& router,
                      std::vector<Label>& labels) {
         SpaceIndex taken(80);
-        auto const put = [&](Label label, std::vector<Rect> const& places) {
+        auto const isOnBlock = [&](Rect const& area, std::size_t own) {
+            bool found = false;
+            router.blocks().visit(area, [&](std::size_t number) {
+                found = number != own && router.blocks()[number].overlaps(area);
+                return !found;
+            });
+            return found;
+        };
+        auto const put = [&](Label label, std::vector<Rect> const& places, std::size_t own) {
             double best = std::numeric_limits<double>::max();
             for (std::size_t at = 0; at < places.size() && best > 0; ++at) {
                 Rect const& place = places[at];
-                if (router.blocks().overlaps(place.inflated(1)) || taken.overlaps(place))
+                if (isOnBlock(place.inflated(1), own) || taken.overlaps(place))
                     continue;
                 double cost = 0;
                 router.pieces().visit(place.inflated(1), [&](std::size_t) {
@@ -288,7 +303,7 @@ private:
             Label label;
             label.block = child;
             label.caption = std::move(caption);
-            put(std::move(label), placesAround(rect, size));
+            put(std::move(label), placesAround(barOf(rect), size), m_placeIn[child]);
         }
         for (std::size_t const number : m_connectors[container]) {
             std::string const& text = m_diagram.connectors[number].caption;
@@ -300,7 +315,7 @@ private:
             Label label;
             label.connector = number;
             label.caption = std::move(caption);
-            if (!put(std::move(label), placesAlong(m_layout.lines[number].points, size)))
+            if (!put(std::move(label), placesAlong(m_layout.lines[number].points, size), Label::kNone))
                 ++m_layout.unlabelled;
         }
     }

@@ -75,10 +75,10 @@ std::vector<Rect> captionRooms(Block const& block, Rect const& rect) {
     }
     case Shape::Hexagon: {
         double const slope = rect.width() * 0.12;
-        double const beside = hasSign ? kSignSize + 2 : 0;
-        return {
-            {inner.left + slope * 0.5 + beside, inner.top, inner.right - slope * 0.5 - beside, inner.bottom},
-            {inner.left + slope * 0.6, hasSign ? sign.bottom + 1 : inner.top, inner.right - slope * 0.6, inner.bottom}};
+        double const beside = hasSign && !isAtFoot ? sign.right + 3 - rect.left : inner.left - rect.left + slope * 0.5;
+        return {{rect.left + beside, inner.top, rect.right - beside, isAtFoot ? sign.top - 1 : inner.bottom},
+                {inner.left + slope * 0.6, hasSign && !isAtFoot ? sign.bottom + 1 : inner.top,
+                 inner.right - slope * 0.6, isAtFoot ? sign.top - 1 : inner.bottom}};
     }
     case Shape::Sides:
         return {{inner.left + 8, inner.top, inner.right - 8, isAtFoot ? sign.top - 1 : inner.bottom}};

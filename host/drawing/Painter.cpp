@@ -21,8 +21,10 @@ namespace {
 
 constexpr double kPointsPerUnit = 0.72;
 constexpr double kPixelsPerUnit = 1.44; // 144 to the inch
+constexpr double kScreenPixels = 0.96;  // 96 to the inch, for pictures that would be larger than
+constexpr double kLargePicture = 12e6;  // so many pixels
 constexpr double kMostPixelsAside = 32000;
-constexpr double kMostPixels = 64e6;
+constexpr double kMostPixels = 24e6;
 constexpr double kMostPoints = 14400; // of a PDF page
 
 constexpr Color kInk{0.25, 0.28, 0.32};
@@ -482,7 +484,7 @@ std::string paint(Diagram const& diagram, Layout const& layout, bool states, Pic
         break;
     }
     case PictureFormat::Png: {
-        scale = kPixelsPerUnit;
+        scale = wide * high * kPixelsPerUnit * kPixelsPerUnit > kLargePicture ? kScreenPixels : kPixelsPerUnit;
         double const aside = kMostPixelsAside / (std::max(wide, high) * scale);
         double const inAll = std::sqrt(kMostPixels / (wide * high * scale * scale));
         double const fit = std::min({1.0, aside, inAll});
@@ -509,6 +511,10 @@ std::string paint(Diagram const& diagram, Layout const& layout, bool states, Pic
     cairo_surface_finish(surface.get());
     check(cairo_surface_status(surface.get()));
     if (format == PictureFormat::Svg) {
+        // Cairo numbers its surfaces, so that the second picture of a process would differ from the first.
+        constexpr std::string_view kNumbered = "<g id=\"surface";
+        if (std::size_t const start = bytes.find(kNumbered); start != std::string::npos)
+            bytes.replace(start, bytes.find('>', start) - start, "<g id=\"picture\"");
         constexpr std::string_view kEnd = "</svg>";
         if (std::size_t const end = bytes.rfind(kEnd); end != std::string::npos)
             bytes.insert(end, hotSpots(diagram, layout, states));

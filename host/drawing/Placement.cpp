@@ -139,8 +139,13 @@ void moveApart(std::vector<Rect>& places, std::vector<bool>& isMoved) {
         return places[one].top != places[other].top ? places[one].top < places[other].top
                                                     : places[one].left < places[other].left;
     });
-    // How far down the plane is taken: from each x on, up to the next one.
-    std::map<double, double> skyline{{std::numeric_limits<double>::lowest(), std::numeric_limits<double>::lowest()}};
+    // How far down the plane is taken: from each x on, up to the next one. Below what was moved stays a gap.
+    struct Taken {
+        double until;
+        bool isMoved;
+    };
+    constexpr double kFar = std::numeric_limits<double>::lowest();
+    std::map<double, Taken> skyline{{kFar, {kFar, false}}};
     auto const cut = [&](double x) {
         auto const next = skyline.upper_bound(x);
         return std::prev(next)->first == x ? std::prev(next) : skyline.emplace_hint(next, x, std::prev(next)->second);
@@ -149,15 +154,19 @@ void moveApart(std::vector<Rect>& places, std::vector<bool>& isMoved) {
         Rect& place = places[at];
         auto const first = cut(place.left + kTouch / 2);
         auto const end = cut(std::max(place.right - kTouch / 2, place.left + kTouch));
-        double taken = std::numeric_limits<double>::lowest();
-        for (auto part = first; part != end; ++part)
-            taken = std::max(taken, part->second);
-        if (taken > place.top + kTouch) {
-            place = place.moved(0, taken + kGap - place.top);
+        double lowest = kFar;
+        bool isMet = isMoved[at];
+        for (auto part = first; part != end; ++part) {
+            Taken const& taken = part->second;
+            lowest = std::max(lowest, taken.until);
+            isMet = isMet || taken.until + (taken.isMoved ? kGap / 2 : -kTouch) > place.top;
+        }
+        if (isMet && lowest + kGap > place.top) {
+            place = place.moved(0, lowest + kGap - place.top);
             isMoved[at] = true;
         }
         skyline.erase(std::next(first), end);
-        first->second = std::max(taken, place.bottom);
+        first->second = {std::max(lowest, place.bottom), isMoved[at]};
     }
 }
 
@@ -189,39 +198,63 @@ bool isPlace(Rect const& rect) {
 }
 
 Stretch::Stretch(std::vector<Growth> const& growths) {
-    std::vector<std::pair<double, std::size_t>> events;
-    for (std::size_t at = 0; at < growths.size(); ++at)
-        if (growths[at].factor > 1 && growths[at].to > growths[at].from) {
-            events.emplace_back(growths[at].from, at);
-            events.emplace_back(growths[at].to, at);
-        }
-    std::sort(events.begin(), events.end());
-    std::multiset<double> open;
-    std::vector<bool> isOpen(growths.size());
-    for (auto const& [at, growth] : events) {
-        double to = at;
-        if (!m_knots.empty())
-            to = m_knots.back().to + (at - m_knots.back().at) * m_knots.back().slope;
-        if (isOpen[growth])
-            open.erase(open.find(growths[growth].factor));
-        else
-            open.insert(growths[growth].factor);
-        isOpen[growth] = true;
-        double const slope = open.empty() ? 1 : *open.rbegin();
-        if (!m_knots.empty() && m_knots.back().at == at)
-            m_knots.back().slope = slope;
-        else
-            m_knots.push_back({at, to, slope});
+    auto const middle = [](Growth const& growth) {
+        return (growth.from + growth.to) / 2;
+    };
+    std::vector<Growth> wanted;
+    for (Growth const& growth : growths)
+        if (growth.wanted > growth.to - growth.from)
+            wanted.push_back(growth);
+    std::vector<double> places;
+    for (Growth const& growth : wanted)
+        places.push_back(middle(growth));
+    std::sort(places.begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    // The largest first: others may find that there is room enough.
+    std::stable_sort(wanted.begin(), wanted.end(), [](Growth const& one, Growth const& other) {
+        return one.wanted - (one.to - one.from) > other.wanted - (other.to - other.from);
+    });
+
+    // Sums over the places up to each, in a tree of partial sums.
+    std::vector<double> tree(places.size() + 1);
+    auto const before = [&](std::vector<double>::const_iterator end) {
+        double sum = 0;
+        for (auto at = static_cast<std::size_t>(end - places.cbegin()); at > 0; at &= at - 1)
+            sum += tree[at];
+        return sum;
+    };
+    std::vector<double> extras(places.size());
+    for (Growth const& growth : wanted) {
+        double const made = before(std::lower_bound(places.cbegin(), places.cend(), growth.to)) -
+                            before(std::upper_bound(places.cbegin(), places.cend(), growth.from));
+        double const missing = growth.wanted - (growth.to - growth.from) - made;
+        if (missing <= 0)
+            continue;
+        auto const place = static_cast<std::size_t>(std::lower_bound(places.cbegin(), places.cend(), middle(growth)) -
+                                                    places.cbegin());
+        extras[place] += missing;
+        for (std::size_t at = place + 1; at < tree.size(); at += at & (~at + 1))
+            tree[at] += missing;
+    }
+    double sum = 0;
+    for (std::size_t place = 0; place < places.size(); ++place) {
+        if (extras[place] == 0)
+            continue;
+        m_insertions.push_back({places[place], sum, extras[place]});
+        sum += extras[place];
     }
 }
 
 double Stretch::operator()(double value) const {
-    auto const next = std::upper_bound(m_knots.begin(), m_knots.end(), value,
-                                       [](double at, Knot const& knot) { return at < knot.at; });
-    if (next == m_knots.begin())
+    auto const next = std::lower_bound(m_insertions.begin(), m_insertions.end(), value,
+                                       [](Insertion const& insertion, double at) { return insertion.at < at; });
+    // What stands in the very middle stays there.
+    if (next != m_insertions.end() && next->at == value)
+        return value + next->before + next->extra / 2;
+    if (next == m_insertions.begin())
         return value;
-    Knot const& knot = *std::prev(next);
-    return knot.to + (value - knot.at) * knot.slope;
+    Insertion const& last = *std::prev(next);
+    return value + last.before + last.extra;
 }
 
 Placement placeBlocks(std::vector<Item> const& items, std::vector<Way> const& ways) {
@@ -255,8 +288,8 @@ Placement placeBlocks(std::vector<Item> const& items, std::vector<Way> const& wa
     std::vector<Stretch::Growth> across;
     std::vector<Stretch::Growth> down;
     for (std::size_t at = 0; at < items.size(); ++at) {
-        across.push_back({places[at].left, places[at].right, items[at].size.width / places[at].width()});
-        down.push_back({places[at].top, places[at].bottom, items[at].size.height / places[at].height()});
+        across.push_back({places[at].left, places[at].right, items[at].size.width});
+        down.push_back({places[at].top, places[at].bottom, items[at].size.height});
     }
     result.across = Stretch(across);
     result.down = Stretch(down);

@@ -8,28 +8,29 @@
 
 namespace flowmere::host::drawing {
 
-// What happens to one coordinate where room is made: it never goes back, and it only grows.
+// What happens to one coordinate where room is made: it never goes back, and nothing comes nearer to anything. Room is
+// made in the middle of what grows, so that what stood beside its middle still does.
 class Stretch {
 public:
-    // Between `from` and `to` everything gets so many times as wide.
+    // What reaches from the one to the other has to become so long.
     struct Growth {
         double from;
         double to;
-        double factor;
+        double wanted;
     };
 
     Stretch() = default;
-    // Where several apply, the largest does.
+    // What is made room for once serves all that lie around it.
     explicit Stretch(std::vector<Growth> const& growths);
     double operator()(double value) const;
 
 private:
-    struct Knot {
+    struct Insertion {
         double at;
-        double to;
-        double slope; // from here on
+        double before; // all room made in front of it
+        double extra;
     };
-    std::vector<Knot> m_knots;
+    std::vector<Insertion> m_insertions;
 };
 
 // A block to be placed: its place in the model, empty for none, and the size that it is drawn with.

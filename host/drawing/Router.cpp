@@ -11,14 +11,15 @@ namespace flowmere::host::drawing {
 
 namespace {
 
-constexpr double kStub = 20;   // so far a line goes straight on from its grip
-constexpr double kMargin = 7;  // nearer to a block looks as if it belonged to it
-constexpr double kTrack = 9;   // between lines side by side
-constexpr double kBend = 25;   // a bend less is worth such a detour
-constexpr double kNear = 45;   // and so is each block that is passed too near
-constexpr double kCross = 10;  // or line that is crossed
-constexpr double kAlong = 120; // or line that is covered, apart from how long
-constexpr double kSame = 0.01; // coordinates so near to each other are one
+constexpr double kStub = 20;      // so far a line goes straight on from its grip
+constexpr double kMargin = 7;     // nearer to a block looks as if it belonged to it
+constexpr double kTrack = 9;      // between lines side by side
+constexpr double kBend = 25;      // a bend less is worth such a detour
+constexpr double kNear = 45;      // and so is each block that is passed too near
+constexpr double kTouching = 400; // or whose border is touched
+constexpr double kCross = 10;     // or line that is crossed
+constexpr double kAlong = 120;    // or line that is covered, apart from how long
+constexpr double kSame = 0.01;    // coordinates so near to each other are one
 constexpr double kOutside = 24;
 
 constexpr std::size_t kMostAround = 250; // blocks that a search takes into account
@@ -29,6 +30,13 @@ double meanSize(std::vector<Rect> const& rects) {
     for (Rect const& rect : rects)
         sum += (rect.width() + rect.height()) / 2;
     return rects.empty() ? 100 : std::max(40.0, sum / static_cast<double>(rects.size()));
+}
+
+Rect boundsOf(std::vector<Rect> const& rects) {
+    Rect bounds = rects.empty() ? Rect{} : rects.front();
+    for (Rect const& rect : rects)
+        bounds = bounds.united(rect);
+    return bounds;
 }
 
 bool isSame(double one, double other) {
@@ -115,11 +123,10 @@ struct Router::Job {
 };
 
 Router::Router(std::vector<Rect> const& blocks)
-    : m_blocks(meanSize(blocks)), m_pieces(meanSize(blocks)), m_searchSteps(400000 + 40 * blocks.size()) {
-    for (Rect const& block : blocks) {
-        m_bounds = m_blocks.size() == 0 ? block : m_bounds.united(block);
+    : m_bounds(boundsOf(blocks)), m_blocks(meanSize(blocks), m_bounds, blocks.size()),
+      m_pieces(meanSize(blocks), m_bounds, blocks.size()), m_searchSteps(400000 + 40 * blocks.size()) {
+    for (Rect const& block : blocks)
         m_blocks.add(block);
-    }
 }
 
 void Router::keep(std::vector<Point> const& line, End const& start, End const& end) {
@@ -254,10 +261,11 @@ double Router::overlapAt(Rect const& piece, Job const& job) const {
     return cost;
 }
 
-Router::Cost Router::costOf(std::vector<Point> const& line, Job const& job) const {
+// Stops once it costs more than the limit.
+Router::Cost Router::costOf(std::vector<Point> const& line, Job const& job, double limit) const {
     Cost cost;
     cost.length = lengthOf(line) + kBend * static_cast<double>(line.size() - 2);
-    for (std::size_t at = 1; at < line.size(); ++at) {
+    for (std::size_t at = 1; at < line.size() && cost.sum() < limit; ++at) {
         Rect const piece = Rect::of(line[at - 1], line[at]);
         bool const isFirst = at == 1;
         bool const isLast = at + 1 == line.size();
@@ -266,13 +274,15 @@ Router::Cost Router::costOf(std::vector<Point> const& line, Job const& job) cons
             bool const isOwn = (isFirst && number == job.start.block) || (isLast && number == job.end.block);
             bool const isInside = piece.left < block.right - 0.5 && piece.right > block.left + 0.5 &&
                                   piece.top < block.bottom - 0.5 && piece.bottom > block.top + 0.5;
+            bool const isAtEdge = piece.inflated(1).overlaps(block);
             if (isInside)
                 ++cost.hits;
             else if (!isOwn)
-                cost.rest += kNear;
-            return true;
+                cost.rest += isAtEdge ? kTouching : kNear;
+            return cost.sum() < limit;
         });
-        cost.rest += overlapAt(piece, job);
+        if (cost.sum() < limit)
+            cost.rest += overlapAt(piece, job);
     }
     return cost;
 }
@@ -284,7 +294,7 @@ bool Router::judge(Job& job) const {
     for (Job::Candidate& candidate : job.candidates) {
         if (candidate.length >= job.bestCost.sum())
             break;
-        Cost const cost = costOf(candidate.line, job);
+        Cost const cost = costOf(candidate.line, job, job.bestCost.sum());
         if (cost.sum() < job.bestCost.sum()) {
             job.bestCost = cost;
             job.best = std::move(candidate.line);
@@ -337,10 +347,10 @@ std::vector<Point> Router::route(End const& start, End const& end) {
                         job.candidates.push_back({lengthOf(straight), straight});
                     if (isSame(job.first.x, job.last.x) || isSame(job.first.y, job.last.y))
                         addWay(job, {});
-                    addWay(job, {{job.first.x, job.last.y}});
-                    addWay(job, {{job.last.x, job.first.y}});
                     addTracks(job, true, (job.first.x + job.last.x) / 2, false);
                     addTracks(job, false, (job.first.y + job.last.y) / 2, false);
+                    addWay(job, {{job.first.x, job.last.y}});
+                    addWay(job, {{job.last.x, job.first.y}});
                     addTracks(job, true, job.first.x, false);
                     addTracks(job, true, job.last.x, false);
                     addTracks(job, false, job.first.y, false);

@@ -53,14 +53,14 @@ private:
     void addTracks(Job& job, bool isUpright, double at, bool isWide) const;
     void addWay(Job& job, std::vector<Point> const& middle) const;
     bool judge(Job& job) const;
-    Cost costOf(std::vector<Point> const& line, Job const& job) const;
+    Cost costOf(std::vector<Point> const& line, Job const& job, double limit) const;
     double overlapAt(Rect const& piece, Job const& job) const;
     bool search(Job& job);
 
+    Rect m_bounds;
     SpaceIndex m_blocks;
     SpaceIndex m_pieces;
     std::vector<Piece> m_ends;
-    Rect m_bounds;
     std::size_t m_searchSteps; // what is left of the effort for lines that no simple way fits
 };
 
