@@ -333,8 +333,11 @@ void OutputCapture::giveBack() {
 }
 
 void OutputCapture::ask(std::string_view request, std::vector<PrintedText>* printed) {
+    // Before the lock, which nobody would ever release in a process that was forked off while a thread held it.
+    if (::getpid() != m_owner)
+        return;
     std::lock_guard const lock(m_mutex);
-    if (m_control < 0 || ::getpid() != m_owner)
+    if (m_control < 0)
         return;
     std::fflush(stdout);
     if (sendRequest(request) && readReply(printed))

@@ -29,7 +29,7 @@ constexpr int kDepth = 1000;
 constexpr std::string_view kStyle = R"(
 :root { color-scheme: light dark; --paper: #fdfdfc; --ink: #1d2327; --dim: #5d666d; --line: #d9dde0; --tint: #f1f3f4;
   --good: #1b7a3d; --bad: #b3261e; --warn: #8a5a00; --bar: #6f9fd0; --changed: #fff3cf; }
-@media (prefers-color-scheme: dark) {
+@media screen and (prefers-color-scheme: dark) {
   :root { --paper: #16191c; --ink: #e3e6e8; --dim: #9aa4ab; --line: #343a40; --tint: #20252a;
     --good: #6fcf8f; --bad: #ff8a80; --warn: #f0b95a; --bar: #4c7fb3; --changed: #3d3417; } }
 * { box-sizing: border-box; }
@@ -47,7 +47,7 @@ table { width: 100%; border-collapse: collapse; }
 th { text-align: left; color: var(--dim); font-weight: normal; border-bottom: 1px solid var(--line); }
 th, td { padding: .25rem .6rem .25rem 0; vertical-align: top; }
 td { border-bottom: 1px solid var(--tint); overflow-wrap: anywhere; }
-.name { min-width: 11rem; }
+.name { width: 26%; min-width: 11rem; }
 .empty { color: var(--dim); white-space: nowrap; }
 .number { text-align: right; white-space: nowrap; font-variant-numeric: tabular-nums; }
 .track { width: 22%; }
@@ -68,6 +68,7 @@ summary { cursor: pointer; color: var(--dim); }
 figure { margin: 0; max-height: 85vh; overflow: auto; background-color: #fff; border: 1px solid var(--line); }
 figure svg { display: block; margin: 0 auto; }
 @media print {
+  :root { color-scheme: light; --paper: #fff; }
   body { max-width: none; padding: 0; font-size: 10pt; }
   nav { display: none; }
   figure { max-height: none; overflow: visible; border: none; }

@@ -1,6 +1,7 @@
 // flowmere run --debug: the real program, with the commands of the debugger piped in.
 
 #include "Study.h"
+#include "Terminal.h"
 
 #include <gmock/gmock.h>
 
@@ -212,6 +213,28 @@ TEST_F(DebuggedRun, RefusesABlockWithoutAScript) {
     ProgramRun const run = debug("", {"--break", "Start"});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.err, "flowmere: p.xml: Start: has no script to debug\n");
+}
+
+TEST_F(DebuggedRun, QuitsAtTheEndOfTheInputOfATerminal) {
+    TerminalSetting setting;
+    setting.folder = study.path();
+    Terminal terminal({"run", "p.xml", "--debug", "--break", "B"}, setting);
+    ASSERT_TRUE(terminal.shows("(Pdb) ")) << terminal.shown();
+    ASSERT_TRUE(terminal.answers("next", "(Pdb) ")) << terminal.shown();
+    ASSERT_TRUE(terminal.answers("p number + 1", "6\r\n(Pdb) ")) << terminal.shown();
+    terminal.type("\x04");
+    EXPECT_EQ(terminal.end(), 130);
+    EXPECT_THAT(terminal.shown(), HasSubstr("flowmere: p.xml: B: interrupted\r\n"));
+}
+
+TEST_F(DebuggedRun, IsInterruptedByCtrlCAtThePrompt) {
+    TerminalSetting setting;
+    setting.folder = study.path();
+    Terminal terminal({"run", "p.xml", "--debug", "--break", "B"}, setting);
+    ASSERT_TRUE(terminal.shows("(Pdb) ")) << terminal.shown();
+    terminal.type("\x03");
+    EXPECT_EQ(terminal.end(), 130);
+    EXPECT_THAT(terminal.shown(), HasSubstr("flowmere: p.xml: B: interrupted\r\n"));
 }
 
 TEST_F(DebuggedRun, WithoutTheOptionStopsInFrontOfTheBlock) {
