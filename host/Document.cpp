@@ -364,16 +364,19 @@ void Document::save(std::string const& out) {
     Tree const written = DocumentReader().parse(file.path());
     if (written == nullptr)
         fail("what was written cannot be read back");
-    if (auto const loss = firstLoss(*m_process, *written))
-        throw Failure(out, loss->place,
+    ReadBack const readBack = compareReadBack(*m_process, *written);
+    if (readBack.loss)
+        throw Failure(out, readBack.loss->place,
                       fmt::format("cannot be written: a process document does not keep {}",
-                                  loss->what.empty() ? "it" : loss->what));
+                                  readBack.loss->what.empty() ? "it" : readBack.loss->what));
     // Reading back has taken its time.
     if (isOwn && m_state != FileState::of(own))
         fail("another program has changed it since it was read");
     file.commit();
     if (isOwn)
         m_state = FileState::of(own);
+    for (std::string const& variable : readBack.respaced)
+        printError(errorLine(out, variable, "a process document does not keep all white space of its value") + "\n");
 }
 
 } // namespace flowmere::host

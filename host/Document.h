@@ -76,8 +76,9 @@ public:
     static void checkCanSave(std::string const& out);
     // Writes the whole tree into a new file beside the target, reads it back, compares, and lets it take the target's
     // place in one step: the old file stays until then, and no failure harms it. A name that is not absolute counts
-    // from the folder in which the document was opened, wherever a script has gone since. Throws Failure, exit code 2;
-    // also when another program has changed the file that was read, and that is to be replaced.
+    // from the folder in which the document was opened, wherever a script has gone since. Values that come back with
+    // other white space are told on standard error. Throws Failure, exit code 2; also when another program has changed
+    // the file that was read, and that is to be replaced.
     void save(std::string const& out);
 
 private:

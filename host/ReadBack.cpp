@@ -38,6 +38,14 @@ std::string withSlashes(wchar_t const* text) {
     return result;
 }
 
+constexpr std::string_view kSpaces = "the white space of its value";
+
+std::string withoutSpaces(std::string text) {
+    std::erase_if(text,
+                  [](char letter) { return letter == ' ' || letter == '\t' || letter == '\n' || letter == '\r'; });
+    return text;
+}
+
 bool isProcess(IFCNode& node) {
     return node.GetNodeType() == eShapeType_Process || node.GetNodeType() == eShapeType_WorkflowProcess;
 }
@@ -114,7 +122,9 @@ private:
         if (isLinked)
             return;
         CFCVariableData& data = *variable.data;
-        m_take(variable.path, "its value", withSlashes(data.GetValue()));
+        std::string const value = withSlashes(data.GetValue());
+        m_take(variable.path, "its value", withoutSpaces(value));
+        m_take(variable.path, kSpaces, value);
         m_take(variable.path, "its link", variable.linkPath);
         m_take(variable.path, "its direction", utf8(data.GetStatusTypeS()));
         m_take(variable.path, "its scope", utf8(data.GetScopeTypeS()));
@@ -161,24 +171,26 @@ std::vector<std::uint64_t> factsOf(Tree const& tree) {
 
 } // namespace
 
-std::optional<Loss> firstLoss(IFCNode& root, IFCNode& readBack) {
+ReadBack compareReadBack(IFCNode& root, IFCNode& readBack) {
+    ReadBack result;
     Tree const tree(root);
     std::vector<std::uint64_t> const found = factsOf(Tree(readBack));
     if (found == factsOf(tree))
-        return std::nullopt;
+        return result;
     // Something is elsewhere, or more: all the same, nothing may be missing.
     std::unordered_map<std::uint64_t, int> left;
     for (std::uint64_t const fact : found)
         ++left[fact];
-    std::optional<Loss> loss;
     tellFacts(tree, [&](std::string_view place, std::string_view what, std::string_view value) {
         auto const entry = left.find(numberOf(place, what, value));
         if (entry != left.end() && entry->second > 0)
             --entry->second;
-        else if (!loss)
-            loss = Loss{std::string(place), std::string(what)};
+        else if (what == kSpaces)
+            result.respaced.emplace_back(place);
+        else if (!result.loss)
+            result.loss = Loss{std::string(place), std::string(what)};
     });
-    return loss;
+    return result;
 }
 
 } // namespace flowmere::host

@@ -49,6 +49,11 @@ std::string readingFault(fs::path const& file) {
     return {};
 }
 
+std::string contentOf(fs::path const& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 // "beam.xml" becomes "beam.for", and any other name gets ".for" behind it.
 fs::path targetOf(fs::path const& file) {
     constexpr std::string_view kXml = ".xml";
@@ -77,24 +82,20 @@ int format(Options const& options) {
     WorkFolder const work(target);
     fs::path const copy = work.path() / "document.xml";
     fs::path const formatted = work.path() / "document.for";
-    fs::copy_file(options.file, copy, error);
-    if (error)
-        fail(error.message());
+    saveBytes(copy.string(), contentOf(options.file));
     CFCWriter::LoadAndFormatXML(libraryPath(copy));
     if (!fs::exists(formatted, error)) {
         checkIsXml(copy, options.file);
         fail("there is no room in " + work.path().parent_path().string());
     }
     // A second pass over a file that did not come to disk whole finds nothing to format.
+    std::string const text = contentOf(formatted);
     fs::path const again = work.path() / "again.xml";
-    fs::copy_file(formatted, again, error);
-    if (!error)
-        CFCWriter::LoadAndFormatXML(libraryPath(again));
-    if (error || !fs::exists(work.path() / "again.for", error))
-        fail(error ? error.message() : "there is no room in " + work.path().parent_path().string());
-
-    std::ifstream in(formatted, std::ios::binary);
-    saveBytes(target.string(), std::string(std::istreambuf_iterator<char>(in), {}));
+    saveBytes(again.string(), text);
+    CFCWriter::LoadAndFormatXML(libraryPath(again));
+    if (!fs::exists(work.path() / "again.for", error))
+        fail("there is no room in " + work.path().parent_path().string());
+    saveBytes(target.string(), text);
     printOut(options.json ? jsonText({{"file", options.file}, {"result", target.string()}})
                           : oneLine(target.string()) + "\n");
     return kExitWell;
