@@ -179,6 +179,24 @@ double Router::blockedUntil(bool isUpright, double at, double from, double to, b
     return result;
 }
 
+// Where the line may turn first and last. Ends that face each other share the room between them.
+void Router::setStubs(Job& job) const {
+    double first = freeLength(job.from, job.leaving, job.start.block) / 2;
+    double last = freeLength(job.to, job.arriving, job.end.block) / 2;
+    if (job.leaving == opposite(job.arriving)) {
+        double const between = job.leaving == Direction::Down    ? job.to.y - job.from.y
+                               : job.leaving == Direction::Up    ? job.from.y - job.to.y
+                               : job.leaving == Direction::Right ? job.to.x - job.from.x
+                                                                 : job.from.x - job.to.x;
+        if (between > 0) {
+            first = std::min(first, between / 2);
+            last = std::min(last, between / 2);
+        }
+    }
+    job.first = moved(job.from, job.leaving, std::min(kStub, first));
+    job.last = moved(job.to, job.arriving, std::min(kStub, last));
+}
+
 void Router::addWay(Job& job, std::vector<Point> const& middle) const {
     std::vector<Point> line{job.from, job.first};
     line.insert(line.end(), middle.begin(), middle.end());
@@ -331,10 +349,7 @@ std::vector<Point> Router::route(End const& start, End const& end) {
             for (Direction const arriving : directionsOf(end.grip)) {
                 job.leaving = leaving;
                 job.arriving = arriving;
-                double const firstFree = freeLength(job.from, leaving, start.block);
-                double const lastFree = freeLength(job.to, arriving, end.block);
-                job.first = moved(job.from, leaving, std::min(kStub, firstFree / 2));
-                job.last = moved(job.to, arriving, std::min(kStub, lastFree / 2));
+                setStubs(job);
                 if (!isThorough) {
                     std::vector<Point> straight = simplified({job.from, job.to});
                     bool const isAligned =
@@ -376,8 +391,7 @@ std::vector<Point> Router::route(End const& start, End const& end) {
 bool Router::search(Job& job) {
     job.leaving = job.best.empty() ? directionsOf(job.start.grip).front() : job.bestLeaving;
     job.arriving = job.best.empty() ? directionsOf(job.end.grip).front() : job.bestArriving;
-    job.first = moved(job.from, job.leaving, std::min(kStub, freeLength(job.from, job.leaving, job.start.block) / 2));
-    job.last = moved(job.to, job.arriving, std::min(kStub, freeLength(job.to, job.arriving, job.end.block) / 2));
+    setStubs(job);
     Rect const window =
         Rect::of(job.first, job.last).united(m_blocks[job.start.block]).united(m_blocks[job.end.block]).inflated(150);
     std::vector<Rect> around;
