@@ -392,8 +392,12 @@ void RunSession::finish(Runner& runner) {
 
     if (m_options.saveTo && m_report.end != "interrupted")
         attempt([this] {
-            if (m_journal != nullptr)
-                m_journal->saves(fs::weakly_canonical(m_startFolder / *m_options.saveTo));
+            if (m_journal != nullptr) {
+                fs::path const target = m_startFolder / *m_options.saveTo;
+                std::error_code error;
+                fs::path const resolved = fs::weakly_canonical(target, error);
+                m_journal->saves(error ? target : resolved);
+            }
             m_document.save(*m_options.saveTo);
             m_report.savedTo = m_options.saveTo;
         });
@@ -487,8 +491,11 @@ void RunSession::print() {
     for (BlockRun const& block : m_report.blocks)
         if (block.state == BlockRun::State::Failed && block.error)
             printError(errorLine(m_report.file, block.path, errorText(*block.error)) + "\n");
-    if (m_exitCode == kExitInterrupted)
-        printError(errorLine(m_report.file, m_report.blocks.back().path, "interrupted") + "\n");
+    if (m_exitCode == kExitInterrupted) {
+        // Not the one that was asked for its consent alone.
+        std::string const path = m_report.blocks.empty() ? std::string() : m_report.blocks.back().path;
+        printError(errorLine(m_report.file, path, "interrupted") + "\n");
+    }
 }
 
 } // namespace flowmere::host
