@@ -11,6 +11,7 @@
 namespace {
 
 constexpr wchar_t kNoPath[] = L"its name is empty";
+constexpr wchar_t kNoPlace[] = L"there is no place for its document";
 constexpr wchar_t kNotUp[] = L"the parser does not come up";
 
 // The attribute's value, null when it is absent: an attribute that is present with the empty text is not absent.
@@ -62,8 +63,10 @@ bool CTXMLBaseReader::InitXML(wchar_t const* path, xercesc::DOMDocument** out) {
         flowmere::XmlError error;
         flowmere::XmlPlatform const platform;
         flowmere::XmlDocumentPointer document;
-        if (!path || !*path || !out) {
+        if (!path || !*path) {
             error.cause = kNoPath;
+        } else if (!out) {
+            error.cause = kNoPlace;
         } else if (platform.isUp()) {
             document = flowmere::parseXmlFile(path, flowmere::Indentation::Gather, &error);
         } else {

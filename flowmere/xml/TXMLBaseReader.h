@@ -34,8 +34,9 @@ public:
     bool InitXML(wchar_t const* path, XERCES_CPP_NAMESPACE::DOMDocument** out);
 
     // Why the last Initialize or InitXML gave false: the first error of the file in words, with its line and column,
-    // which count from 1. Where no place is known, as for a file that cannot be opened, line and column are 0. All
-    // three are empty before the first call and behind one that gave true. The text stays until the next call.
+    // which count from 1; a character beyond U+FFFF counts as two columns. Where no place is known, as for a file that
+    // cannot be opened, line and column are 0. All three are empty before the first call and behind one that gave true.
+    // The text stays until the next call.
     wchar_t const* GetErrorText() const { return m_strErrorText; }
     int GetErrorLine() const { return m_nErrorLine; }
     int GetErrorColumn() const { return m_nErrorColumn; }

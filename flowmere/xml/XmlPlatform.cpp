@@ -1,5 +1,6 @@
 #include "flowmere/xml/XmlPlatform.h"
 
+#include "flowmere/foundation/Encoding.h"
 #include "flowmere/foundation/Files.h"
 #include "flowmere/foundation/Immortal.h"
 #include "flowmere/xml/XmlText.h"
@@ -17,7 +18,9 @@
 #include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLChar.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
+#include <xercesc/util/XMLExceptMsgs.hpp>
 #include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
 #include <xercesc/validators/DTD/DTDAttDef.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/DTD/DTDEntityDecl.hpp>
@@ -172,6 +175,45 @@ private:
     XMLSize_t m_count = 0;
 };
 
+// Bytes that do not stand for a character.
+bool isBrokenText(unsigned int code, XMLCh const* domain) {
+    return xercesc::XMLString::equals(domain, xercesc::XMLUni::fgExceptDomain) &&
+           ((code >= xercesc::XMLExcepts::Trans_Unrepresentable &&
+             code <= xercesc::XMLExcepts::Trans_BadTrailingSurrogate) ||
+            (code >= xercesc::XMLExcepts::UTF8_FormatError && code <= xercesc::XMLExcepts::UTF8_Exceeds_BytesLimit));
+}
+
+// Whether that is what the bytes are meant to be, as far as the document came.
+bool isUtf8(std::string_view bytes, xercesc::DOMDocument const* document) {
+    static constexpr XMLCh kUtf8[] = u"UTF-8";
+    XMLCh const* const encoding = document ? document->getXmlEncoding() : nullptr;
+    return bytes.find('\0') == std::string_view::npos &&
+           (!encoding || *encoding == 0 || xercesc::XMLString::compareIStringASCII(encoding, kUtf8) == 0);
+}
+
+// The first byte that is no UTF-8, and its place. Columns count as those of the parser.
+void findBrokenUtf8(std::string_view bytes, XmlError& error) {
+    std::wstring const text = fromUtf8(bytes);
+    int line = 1;
+    int column = 1;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        wchar_t const character = text[at];
+        if (character >= 0xDC80 && character <= 0xDCFF) {
+            error.cause.Format(L"%ls: the byte 0x%02X is no UTF-8", kNotWellFormed,
+                               static_cast<unsigned int>(character - 0xDC00));
+            error.line = line;
+            error.column = column;
+            return;
+        }
+        if (character == L'\r' || character == L'\n') {
+            line += character == L'\n' && at > 0 && text[at - 1] == L'\r' ? 0 : 1;
+            column = 1;
+        } else if (character != 0xFEFF || at > 0) {
+            column += character > 0xFFFF ? 2 : 1;
+        }
+    }
+}
+
 class HardenedParser final : public xercesc::XercesDOMParser {
 public:
     // The first error goes to `error`, which outlives the parser.
@@ -273,7 +315,7 @@ public:
     }
 
     // The base's own would throw without a handler; the library goes on as if nobody were told.
-    void error(unsigned int const code, XMLCh const* const, xercesc::XMLErrorReporter::ErrTypes const type,
+    void error(unsigned int const code, XMLCh const* const domain, xercesc::XMLErrorReporter::ErrTypes const type,
                XMLCh const* const text, XMLCh const* const, XMLCh const* const, XMLFileLoc const line,
                XMLFileLoc const column) override {
         if (type == xercesc::XMLErrorReporter::ErrType_Warning || !m_error.cause.IsEmpty()) {
@@ -285,8 +327,15 @@ public:
             assignText(m_error.cause, xmlView(text));
             m_error.cause = TuString(kNotWellFormed) + L": " + m_error.cause;
         }
-        setPlace(line, column);
+        // The parser decodes far ahead of what it reads, and names the place where it stands.
+        if (isBrokenText(code, domain)) {
+            m_hasBrokenText = true;
+        } else {
+            setPlace(line, column);
+        }
     }
+
+    bool hasBrokenText() const noexcept { return m_hasBrokenText; }
 
 private:
     // An open element.
@@ -336,6 +385,7 @@ private:
     XMLSize_t m_volume; // characters that may still come
     NameCount m_names;
     XMLSize_t m_longestEntity = 0;
+    bool m_hasBrokenText = false; // it is the first error
     bool m_hasDoctype = false;
     bool m_hasAttributeLists = false;
     bool const m_gathersIndentation;
@@ -402,6 +452,9 @@ XmlDocumentPointer parseXmlBytes(std::string_view bytes, Indentation indentation
                                               bytes.size(), "file");
             source.setCopyBufToStream(false);
             parser.parse(source);
+            if (parser.hasBrokenText() && isUtf8(bytes, parser.getDocument())) {
+                findBrokenUtf8(bytes, found);
+            }
             // A malformed file throws nothing here and leaves a part of a tree, so the errors decide.
             XmlDocumentPointer document(parser.adoptDocument());
             if (parser.getErrorCount() == 0 && !allowance.isExceeded() && document && document->getDocumentElement()) {

@@ -176,6 +176,51 @@ TEST_F(ReaderFile, AFailureTellsItsCauseAndPlace) {
     expectError("it cannot be read", 0, 0);
     EXPECT_FALSE(reader.InitXML(nullptr, nullptr));
     expectError("its name is empty", 0, 0);
+    EXPECT_FALSE(reader.InitXML(folder.text("good.xml"), nullptr));
+    expectError("there is no place for its document", 0, 0);
+}
+
+TEST_F(ReaderFile, BytesThatAreNoTextHaveTheirOwnPlace) {
+    struct Row {
+        std::string text;
+        char const* cause;
+        int line;
+        int column;
+    };
+    std::string const far = "<r>" + std::string(100000, '\n');
+    OpenReader reader;
+    for (Row const& row : {
+             Row{"<r>\n  <a b='\xE9'/></r>", "no well-formed XML: the byte 0xE9 is no UTF-8", 2, 9},
+             Row{"\xEF\xBB\xBF<r>\xFF</r> \n\n\n\n", "no well-formed XML: the byte 0xFF is no UTF-8", 1, 4},
+             Row{"<r>\r\n\r\xC3\xA9\xF0\x9F\x98\x80.\xED\xA0\x80</r>", "no well-formed XML: the byte 0xED is no UTF-8",
+                 3, 5},
+             Row{"<r>\n\xC0\x80</r>", "no well-formed XML: the byte 0xC0 is no UTF-8", 2, 1},
+             Row{"<r>\n\xF5\x80\x80\x80</r>", "no well-formed XML: the byte 0xF5 is no UTF-8", 2, 1},
+             Row{far + " \xA0</r>", "no well-formed XML: the byte 0xA0 is no UTF-8", 100001, 2},
+             Row{"<?xml version='1.0' encoding='US-ASCII'?>\n<r>\xE9</r>", "no well-formed XML: ", 0, 0},
+         }) {
+        folder.write("bad.xml", row.text);
+        EXPECT_FALSE(reader.Initialize(folder.text("bad.xml")));
+        EXPECT_THAT(flowmere::test::narrow(reader.GetErrorText()), testing::StartsWith(row.cause));
+        EXPECT_EQ(row.line, reader.GetErrorLine()) << row.cause;
+        EXPECT_EQ(row.column, reader.GetErrorColumn()) << row.cause;
+    }
+}
+
+TEST_F(ReaderFile, PlacesCountTheCharactersOfALine) {
+    struct Row {
+        char const* text;
+        int line;
+        int column;
+    };
+    OpenReader reader;
+    for (Row const& row : {Row{"<r>\r\n\t<a></b></r>", 2, 7}, Row{"<r>\r<a></b></r>", 2, 6},
+                           Row{"<r>\n\xC3\xA9<a></b></r>", 2, 7}, Row{"<r>\n\xF0\x9F\x98\x80<a></b></r>", 2, 8}}) {
+        folder.write("bad.xml", row.text);
+        EXPECT_FALSE(reader.Initialize(folder.text("bad.xml")));
+        EXPECT_EQ(row.line, reader.GetErrorLine());
+        EXPECT_EQ(row.column, reader.GetErrorColumn());
+    }
 }
 
 TEST_F(ReaderFile, CopiesTakeTheError) {
