@@ -338,6 +338,28 @@ TEST_F(Favourites, LastOpenedKeepsOpenDocumentsOnly) {
     }
 }
 
+TEST_F(Favourites, AMarkForDeletionDoesNotCount) {
+    flowmere::test::Tree const folder(CFCNodeFactory().Create(179));
+    CFCDocumentNode* const document = addDocument(folder.get(), L"d", true);
+    document->SetDeleted(true);
+    ASSERT_TRUE(document->IsDeleted());
+    EXPECT_EQ("\n\n  <DOCUMENT Name=\"d\" Opened=\"true\" Type=\"0\"/>\n\n", writtenInside(folder.get()));
+}
+
+TEST_F(Favourites, AHostMayRefuseAnElement) {
+    struct HostWriter : CFCFavouriteWriter {
+        bool GetObjectType(IFCNode* node, TuString& type) override {
+            return node->GetNodeType() != 179 && CFCFavouriteWriter::GetObjectType(node, type);
+        }
+    };
+    addDocument(addChild(process->GetFavouriteNode(), 179, L"", L"folder"), L"d", true);
+    HostWriter writer;
+    EXPECT_TRUE(writer.WriteFile(scratch.text("out.xml"), process, true));
+    std::string const text = scratch.read("out.xml");
+    EXPECT_NE(std::string::npos, text.find("<FAVOURITES Name=\"Favourites\"/>")) << text;
+    EXPECT_EQ(std::string::npos, text.find("<DOCUMENT"));
+}
+
 TEST_F(Favourites, ADocumentMayBeTheRoot) {
     CFCDocumentNode document;
     document.SetNodeCaption(L"d");

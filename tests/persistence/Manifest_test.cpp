@@ -123,6 +123,17 @@ TEST_F(Manifest, AnInfoInsideAnotherGoesNowhere) {
     std::vector<IFCNode*> const made = factory.alive();
     ASSERT_EQ(2U, made.size());
     EXPECT_EQ("in;;;;;", textsOf(dynamic_cast<CFCPackageNode*>(made[1])));
+    EXPECT_EQ(nullptr, made[1]->GetParentNode());
+}
+
+TEST_F(Manifest, ThePackageAtHandIsTheOneMadeLast) {
+    OpenManifestReader reader;
+    reader.SetNodeFactory(&factory);
+    CFCPackageNode* package = nullptr;
+    ASSERT_TRUE(reader.Parse(file("<M><MANIFEST_INFO Version='out'><MANIFEST_INFO Version='in'/></MANIFEST_INFO></M>"),
+                             &package));
+    EXPECT_EQ("out;;;;;", textsOf(package));
+    EXPECT_EQ("in;;;;;", textsOf(reader.package()));
 }
 
 TEST_F(Manifest, TheReaderKeepsThePackageAtHand) {
@@ -232,6 +243,14 @@ TEST_F(Manifest, OtherNodesHaveAnEmptyInfo) {
     EXPECT_THAT(text, testing::HasSubstr("<SUB_GRP Name=\"folder\">\n    <MANIFEST_INFO/>\n  </SUB_GRP>"));
     EXPECT_THAT(text, testing::HasSubstr("<BLOCK Name=\"block\">\n    <MANIFEST_INFO/>\n  </BLOCK>"));
     EXPECT_THAT(text, testing::Not(testing::HasSubstr("without an element")));
+}
+
+TEST_F(Manifest, AMarkForDeletionDoesNotCount) {
+    CFCPackageNode* const package = newPackage();
+    addChild(package, 172, L"", L"inner")->SetDeleted(true);
+    package->SetDeleted(true);
+    ASSERT_TRUE(package->IsDeleted() && package->GetChild()->IsDeleted());
+    EXPECT_THAT(write(package), testing::HasSubstr("<PACKAGE Name=\"inner\">"));
 }
 
 TEST_F(Manifest, ANodeWithoutAnElementGivesAnEmptyRoot) {
