@@ -29,6 +29,9 @@ std::string rootElement(std::filesystem::path const& file) {
     std::string text(kLookedAt, '\0');
     in.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(in.gcount()));
+    // No encoding of single bytes has those in XML.
+    if (text.find('\0') != std::string::npos)
+        return {};
     for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at)) {
         std::string_view const rest = std::string_view(text).substr(at);
         if (rest.starts_with("<!DOCTYPE"))

@@ -1,3 +1,4 @@
+#include "host/InputFile.h"
 #include "host/XmlFault.h"
 #include "host/catalogs/FileTypeWords.h"
 #include "host/catalogs/Kinds.h"
@@ -5,8 +6,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace flowmere::host::catalogs {
@@ -65,22 +69,38 @@ public:
             asksForFiles = asksForFiles || (type != nullptr && TuString(type->GetType()) == L"CAEFILE");
         });
         std::vector<std::string> texts;
-        for (wchar_t const* const path : {CFCEnvironment::GetFileTypesPath(), CFCEnvironment::GetUserFileTypesPath()}) {
-            CTXMLBaseReader reader;
-            if (asksForFiles && CFCEnvironment::IsFileExist(path) && !reader.Initialize(path)) {
-                std::string const file = utf8(path);
-                std::string const text =
-                    "the file types are left out: " +
-                    std::string(xmlFailure(file.substr(file.find_last_of('\\') + 1), reader).what())
-                        .substr(std::string_view("flowmere: ").size());
-                if (texts.empty() || texts.back() != text)
-                    texts.push_back(text);
-            }
+        if (!asksForFiles)
+            return texts;
+        for (TuString const& path :
+             {TuString(CFCEnvironment::GetFileTypesPath()), TuString(CFCEnvironment::GetUserFileTypesPath())}) {
+            std::string const fault = faultOf(path);
+            std::string const text = "the file types are left out: " + fault;
+            if (!fault.empty() && (texts.empty() || texts.back() != text))
+                texts.push_back(text);
         }
         return texts;
     }
 
 private:
+    // What is wrong with a file that is there, with its name; empty when nothing is.
+    static std::string faultOf(TuString const& path) {
+        std::string name = utf8(path);
+        std::replace(name.begin(), name.end(), '\\', '/');
+        std::error_code error;
+        if (name.empty() || !std::filesystem::exists(std::filesystem::symlink_status(name, error)))
+            return {};
+        std::string const near = std::filesystem::proximate(name, error).string();
+        std::string const shown = error || near.empty() || near.starts_with("..") ? name : near;
+        if (std::string const fault = inputFault(name); !fault.empty())
+            return withoutProgram(Failure(shown, "", fault));
+        CTXMLBaseReader reader;
+        return reader.Initialize(path) ? std::string() : withoutProgram(xmlFailure(shown, reader));
+    }
+
+    static std::string withoutProgram(Failure const& failure) {
+        return std::string(failure.what()).substr(std::string_view("flowmere: ").size());
+    }
+
     static bool isFileType(IFCNode& node) { return node.GetNodeType() == eShapeType_FileType; }
 
     static std::string kindOf(IFCNode& node) {

@@ -69,6 +69,20 @@ std::vector<std::string> filesOf(CatalogKind const& kind, Options const& options
     return files;
 }
 
+// Refuses a file that holds nothing and is of another kind: the library takes any root element.
+void checkRoot(CatalogKind const& kind, std::string const& file) {
+    CTXMLBaseReader reader;
+    reader.Initialize(libraryPath(file));
+    if (std::any_of(kind.roots.begin(), kind.roots.end(), [&](std::string const& root) {
+            return reader.GetElement(TuString(root.c_str()), nullptr, nullptr, 0);
+        }))
+        return;
+    std::string const root = rootElement(file);
+    throw Failure(file, "",
+                  root.empty() ? fmt::format("holds no {}", kind.content)
+                               : fmt::format("holds a \"{}\" and no {}", root, kind.content));
+}
+
 int show(CatalogKind const& kind, Options options) {
     // Without any word on where to look it is here.
     if (options.file.empty() && options.base.empty() && options.user.empty())
@@ -88,12 +102,9 @@ int show(CatalogKind const& kind, Options options) {
         if (!catalog->read(libraryPath(file)))
             throw Failure(file, "", "cannot be read");
     }
-    // The library takes any root element, and finds nothing in a file of another kind.
     if (catalog->isEmpty())
         for (std::string const& file : files)
-            if (std::string const root = rootElement(file);
-                std::find(kind.roots.begin(), kind.roots.end(), root) == kind.roots.end())
-                throw Failure(file, "", fmt::format("holds a \"{}\" and no {}", root, kind.content));
+            checkRoot(kind, file);
 
     std::string names;
     for (std::string const& file : files)
@@ -124,19 +135,28 @@ void addCatalog(CLI::App& app, Result& result) {
         CLI::Option* const file = shower.add_option(
             "FILE", options->file, hasPlace ? "The catalog; without it the one of the folders" : "The catalog");
         file->required(!hasPlace);
-        shower
-            .add_option("--base", options->base,
-                        hasPlace ? "The folder of the common catalogs; without FILE and folders the current one"
-                                 : "The folder of the common catalogs, which has none of this kind")
-            ->type_name("DIR");
-        shower
-            .add_option("--user", options->user,
-                        kind.takesUser ? "The folder of the user's own catalogs"
-                                       : "The folder of the user's own catalogs, which has none of this kind")
-            ->type_name("DIR");
+        CLI::Option* const base =
+            shower
+                .add_option("--base", options->base,
+                            hasPlace ? "The folder of the common catalogs; without FILE and folders the current one"
+                                     : "The folder of the common catalogs, which has none of this kind")
+                ->type_name("DIR");
+        CLI::Option* const user =
+            shower
+                .add_option("--user", options->user,
+                            kind.takesUser ? "The folder of the user's own catalogs"
+                                           : "The folder of the user's own catalogs, which has none of this kind")
+                ->type_name("DIR");
         shower.add_flag("--json", options->json, "Print the same as JSON");
         shower.footer(fmt::format("Example:\n  flowmere catalog {} {}", kind.name, kind.example));
-        shower.callback([&kind, options, &result] { result.exitCode = show(kind, *options); });
+        shower.callback([&kind, options, &result, file, base, user] {
+            // A variable of a shell script that is not set must not stand for the current folder.
+            for (auto const& [option, name] :
+                 {std::pair(file, "catalog"), std::pair(base, "folder of --base"), std::pair(user, "folder of --user")})
+                if (option->count() != 0 && option->as<std::string>().empty())
+                    throw Failure("", "", fmt::format("the name of the {} is empty", name));
+            result.exitCode = show(kind, *options);
+        });
     }
 }
 

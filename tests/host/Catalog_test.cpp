@@ -2,6 +2,7 @@
 #include "Program.h"
 
 #include "host/Catalogs.h"
+#include "host/XmlFault.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -222,6 +223,21 @@ TEST_F(Catalog, FileTypesThatAreBrokenAreTold) {
     EXPECT_EQ(run({"types"}).err, "") << "nobody asks for them";
 }
 
+TEST_F(Catalog, FileTypesThatCannotBeReadAreToldByTheirOwnFolder) {
+    constexpr char kIn[] = "flowmere: base/DataTypes.xml: the file types are left out: ";
+    scratch.write("base/DataTypes.xml", "<D><DATATYPE Name='File' Type='CAEFILE'/></D>");
+    fs::create_directories(scratch / "base/FileTypes.xml");
+    scratch.write("user/FileTypes.xml", "<FILETYPES>\n<");
+    std::string const ofUser = "user/FileTypes.xml: line 2, column 2: no well-formed XML: element name expected\n";
+    EXPECT_EQ(run({"types", "--base", "base"}).err, std::string(kIn) + "base/FileTypes.xml: is a folder\n");
+    EXPECT_EQ(run({"types", "--base", "base", "--user", "user"}).err,
+              std::string(kIn) + "base/FileTypes.xml: is a folder\n" + kIn + ofUser);
+    scratch.write("user/FileTypes.xml", "");
+    EXPECT_EQ(run({"types", "base/DataTypes.xml", "--user", "user"}).err,
+              std::string(kIn) + "user/FileTypes.xml: is empty\n");
+    EXPECT_EQ(run({"types", "base/DataTypes.xml"}).err, "");
+}
+
 TEST_F(Catalog, DeepCatalogsAreShownToTheLastLevel) {
     constexpr int kDepth = 1000;
     std::string text;
@@ -239,6 +255,7 @@ TEST_F(Catalog, FilesThatCannotBeReadAreOneLineWithThePlace) {
     scratch.write("cut.xml", "<?xml version='1.0'?>\n<Root>\n  <A>\n");
     scratch.write("cross.xml", "<Root>\n  <A></B>\n</Root>");
     scratch.write("empty.xml", "");
+    scratch.write("latin.xml", "<Root>\n  <A \xE9='x'/>\n</Root>");
     std::string deep;
     for (int level = 0; level < 1100; ++level)
         deep += "<a>\n";
@@ -248,6 +265,8 @@ TEST_F(Catalog, FilesThatCannotBeReadAreOneLineWithThePlace) {
         expectFailure({kind, "missing.xml"}, "missing.xml: there is no such file");
         expectFailure({kind, "folder"}, "folder: is a folder");
         expectFailure({kind, "empty.xml"}, "empty.xml: is empty");
+        expectFailure({kind, "latin.xml"},
+                      "latin.xml: line 2, column 6: no well-formed XML: the byte 0xE9 is no UTF-8");
         expectFailure({kind, "/dev/null"}, "/dev/null: is no regular file");
         expectFailure({kind, "cross.xml"}, "cross.xml: line 2, column 8: no well-formed XML: expected end of tag 'A'");
         expectFailure({kind, "cut.xml", "--json"},
@@ -306,9 +325,38 @@ TEST_F(Catalog, FilesOfAnotherKindAreToldByTheirRoot) {
     expectFailure({"manifest", "m.mf"}, "m.mf: holds a \"Manifest\" and no package");
 }
 
+TEST_F(Catalog, TheRootIsFoundInAnyEncodingAndBehindAnything) {
+    auto const utf16 = [](std::string_view text) {
+        std::string bytes = "\xFF\xFE";
+        for (char const character : text)
+            (bytes += character) += '\0';
+        return bytes;
+    };
+    EXPECT_EQ(out("types", utf16("<?xml version='1.0' encoding='UTF-16'?><DataTypes/>")), "c.xml: no data types\n");
+    EXPECT_EQ(out("hints", "<!DOCTYPE Hints><Hints/>"), "c.xml: no hints\n");
+    EXPECT_EQ(out("hints", "<!--" + std::string(100000, 'x') + "--><Hints/>"), "c.xml: no hints\n");
+    EXPECT_EQ(out("hints", "\xEF\xBB\xBF<Hints/>"), "c.xml: no hints\n");
+    scratch.write("c.xml", utf16("<?xml version='1.0' encoding='UTF-16'?><html/>"));
+    expectFailure({"types", "c.xml"}, "c.xml: holds no data types");
+    scratch.write("c.xml", "<!DOCTYPE html><html/>");
+    expectFailure({"manifest", "c.xml"}, "c.xml: holds no package");
+}
+
+TEST_F(Catalog, ARootThatIsNotFoundHasNoName) {
+    scratch.write("c.xml", "<?xml version='1.0'?><!-- <a> --><b c='d'/>");
+    EXPECT_EQ(flowmere::host::rootElement(scratch / "c.xml"), "b");
+    scratch.write("c.xml", std::string("<\0P\0/\0>\0", 8));
+    EXPECT_EQ(flowmere::host::rootElement(scratch / "c.xml"), "");
+    scratch.write("c.xml", std::string("\0<\0P\0/\0>", 8));
+    EXPECT_EQ(flowmere::host::rootElement(scratch / "c.xml"), "");
+}
+
 TEST_F(Catalog, WrongUseIsOneLine) {
     expectFailure({}, "A subcommand is required (see flowmere catalog --help)");
     expectFailure({"favourites"}, "FILE is required (see flowmere catalog favourites --help)");
+    expectFailure({"hints", ""}, "the name of the catalog is empty");
+    expectFailure({"hints", "--base", ""}, "the name of the folder of --base is empty");
+    expectFailure({"files", "--user", ""}, "the name of the folder of --user is empty");
     expectFailure({"favorites"}, "favorites: there is no such command; did you mean favourites?");
 }
 
