@@ -64,6 +64,15 @@ public:
     // Number of insertions, deletions, replacements and swaps of neighbours between the texts; `limit` + 1 for more
     // than `limit`. Takes time in proportion to the length times the limit.
     std::size_t operator()(std::string_view left, std::string_view right, std::size_t limit) {
+        // Most names of a document begin alike.
+        while (!left.empty() && !right.empty() && left.front() == right.front()) {
+            left.remove_prefix(1);
+            right.remove_prefix(1);
+        }
+        while (!left.empty() && !right.empty() && left.back() == right.back()) {
+            left.remove_suffix(1);
+            right.remove_suffix(1);
+        }
         std::size_t const longer = std::max(left.size(), right.size());
         if (longer - std::min(left.size(), right.size()) > limit)
             return limit + 1;
@@ -110,7 +119,10 @@ private:
 // The nearest names so far, the nearest first; of those at one distance the one that came first.
 class Nearest {
 public:
-    void add(std::size_t distance, std::string const& name) {
+    // How far the fitting part of a name is away, and of names that agree in that, how far the whole is.
+    using Distance = std::pair<std::size_t, std::size_t>;
+
+    void add(Distance const& distance, std::string const& name) {
         constexpr std::size_t kMost = 3;
         auto const isSame = [&](auto const& entry) {
             return *entry.second == name;
@@ -133,7 +145,7 @@ public:
     }
 
 private:
-    std::vector<std::pair<std::size_t, std::string const*>> m_entries;
+    std::vector<std::pair<Distance, std::string const*>> m_entries;
 };
 
 // Goes on where a signal has come in between, which the streams of the C library take for an error.
@@ -207,7 +219,8 @@ std::vector<std::string> nearNames(std::string_view typed, std::vector<std::stri
     Nearest nearest;
     for (std::string const& name : known) {
         std::string const candidate = lowered(name);
-        std::size_t distance = editDistance(wanted, candidate, limit);
+        std::size_t const ofWhole = editDistance(wanted, candidate, limit);
+        std::size_t distance = ofWhole;
         bool fits = distance <= limit;
         if (!wantedPart.empty()) {
             std::size_t const ofPart = editDistance(wantedPart, lastPart(candidate), partLimit);
@@ -217,7 +230,7 @@ std::vector<std::string> nearNames(std::string_view typed, std::vector<std::stri
             }
         }
         if (fits)
-            nearest.add(distance, name);
+            nearest.add({distance, ofWhole}, name);
     }
     return nearest.names();
 }

@@ -17,6 +17,10 @@ namespace {
 
 constexpr std::size_t kBehindVariables = std::numeric_limits<std::size_t>::max();
 
+// Suggestions compare so many names in any document, and so many more for each of its nodes and variables.
+constexpr std::size_t kComparedAlways = 10000;
+constexpr std::size_t kComparedOfEach = 5;
+
 } // namespace
 
 Check::Check(Document& checked, Scripts& python)
@@ -82,6 +86,41 @@ bool Check::hasModule(fs::path const& folder, std::string const& name) {
         }
     }
     return entry->second.count(name) > 0;
+}
+
+std::string Check::suggest(std::string const& typed, std::size_t count,
+                           std::function<std::vector<std::string>()> const& known) {
+    std::size_t const most = kComparedAlways + kComparedOfEach * (tree.nodes().size() + tree.variables().size());
+    if (m_compared + count > most)
+        return {};
+    m_compared += count;
+    return suggestion(typed, known());
+}
+
+std::string Check::suggestTarget(TreeVariable const& variable) {
+    std::string const& path = variable.linkPath;
+    auto const pathsOf = [&](std::size_t first, std::size_t count) {
+        return [this, &variable, first, count] {
+            std::vector<std::string> known;
+            for (std::size_t index = first; index < first + count; ++index)
+                if (tree.variables()[index].data != variable.data)
+                    known.push_back(tree.variables()[index].path);
+            return known;
+        };
+    };
+    if (m_nodeOfPath.empty())
+        for (std::size_t node = 0; node < tree.nodes().size(); ++node)
+            m_nodeOfPath.emplace(tree.nodes()[node].path, node);
+    auto const dot = path.rfind('.');
+    std::string_view const owner =
+        dot == std::string::npos ? std::string_view() : std::string_view(path).substr(0, dot);
+    if (auto const found = m_nodeOfPath.find(owner); found != m_nodeOfPath.end()) {
+        TreeNode const& node = tree.nodes()[found->second];
+        std::string const near = suggest(path, node.variableCount, pathsOf(node.firstVariable, node.variableCount));
+        if (!near.empty())
+            return near;
+    }
+    return suggest(path, tree.variables().size(), pathsOf(0, tree.variables().size()));
 }
 
 std::vector<Finding> Check::take() {

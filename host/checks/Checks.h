@@ -7,6 +7,7 @@
 #include "host/checks/Scripts.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -70,6 +71,15 @@ public:
     // Whether the folder holds a module of that name, be it a file, a folder or a library. Each folder is read once.
     bool hasModule(std::filesystem::path const& folder, std::string const& name);
 
+    // The end of a message about a name that is not there: "; did you mean A, B or C?", or the empty text. In a
+    // document with very many wrong names the last ones go without, so that a check takes no longer for them: `known`
+    // gives the `count` names only when there is still time for them.
+    std::string suggest(std::string const& typed, std::size_t count,
+                        std::function<std::vector<std::string>()> const& known);
+    // For the link of a variable that names none: out of the variables of the node that it names, or else of all
+    // others.
+    std::string suggestTarget(TreeVariable const& variable);
+
     // In the order of the document: what is told of a node, of its variables, of its children, and of what else it
     // holds.
     std::vector<Finding> take();
@@ -89,6 +99,8 @@ private:
     Known const& known(std::size_t node);
 
     std::vector<Entry> m_entries;
+    std::size_t m_compared = 0; // names that suggestions were looked for in
+    std::unordered_map<std::string_view, std::size_t> m_nodeOfPath;
     std::vector<std::optional<Known>> m_known; // by node
     std::unordered_map<std::string, std::optional<std::filesystem::path>> m_files;
     std::unordered_map<std::string, std::unordered_set<std::string>> m_modules; // by folder

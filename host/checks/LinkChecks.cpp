@@ -60,10 +60,17 @@ void checkScope(Check& check, std::size_t index) {
     std::string names = "\"" + variable.name + "\"";
     if (!value.empty() && value != variable.name)
         names = "\"" + value + "\" nor " + names;
+    TreeNode const& above = check.tree.nodes()[check.tree.nodes()[variable.owner].parent];
+    std::string const near = check.suggest(value.empty() ? variable.name : value, above.variableCount, [&] {
+        std::vector<std::string> known;
+        for (std::size_t place = 0; place < above.variableCount; ++place)
+            known.push_back(check.tree.variables()[above.firstVariable + place].name);
+        return known;
+    });
     check.addToVariable(
         index, kDeadLink,
-        fmt::format("has the scope {}, and the level above has {}{}", utf8(variable.data->GetScopeTypeS()),
-                    names.find("\" nor ") == std::string::npos ? "no variable " : "neither a variable ", names));
+        fmt::format("has the scope {}, and the level above has {}{}{}", utf8(variable.data->GetScopeTypeS()),
+                    names.find("\" nor ") == std::string::npos ? "no variable " : "neither a variable ", names, near));
 }
 
 } // namespace
@@ -74,12 +81,40 @@ void checkLinks(Check& check) {
         if (variables[index].linkPath.empty())
             checkScope(check, index);
         else if (variables[index].target == Tree::kNone)
-            check.addToVariable(
-                index, kDeadLink,
-                fmt::format("links to \"{}\", and there is no such variable", variables[index].linkPath));
+            check.addToVariable(index, kDeadLink,
+                                fmt::format("links to \"{}\", and there is no such variable{}",
+                                            variables[index].linkPath, check.suggestTarget(variables[index])));
     }
     checkLoops(check);
 }
+
+namespace {
+
+// Why a connector was lost.
+std::string lossOf(Check& check, TreeNode const& container, CFCReadFinding const& finding) {
+    std::string const first = utf8(finding.first);
+    std::string const second = utf8(finding.second);
+    bool const hasFirst = container.node->FindNodeSimple(finding.first) != nullptr;
+    bool const hasSecond = container.node->FindNodeSimple(finding.second) != nullptr;
+    if (hasFirst && hasSecond)
+        return "it stands in front of its blocks";
+    auto const near = [&](std::string const& missing) {
+        return check.suggest(missing, container.children.size(), [&] {
+            std::vector<std::string> known;
+            for (std::size_t const child : container.children)
+                if (TreeNode const& node = check.tree.nodes()[child]; !node.id.empty())
+                    known.push_back(node.id);
+            return known;
+        });
+    };
+    if (hasFirst || hasSecond || first == second) {
+        std::string const& missing = hasFirst ? second : first;
+        return fmt::format("there is no block \"{}\"{}", missing, near(missing));
+    }
+    return fmt::format("there are no blocks \"{}\" and \"{}\"{}{}", first, second, near(first), near(second));
+}
+
+} // namespace
 
 void checkReading(Check& check) {
     for (CFCReadFinding const& finding : check.document.findings()) {
@@ -92,17 +127,9 @@ void checkReading(Check& check) {
                                fmt::format("the linked file \"{}\" is missing or cannot be read", first));
             continue;
         }
-        std::string const second = utf8(finding.second);
-        IFCNode& container = *check.tree.nodes()[index].node;
-        bool const hasFirst = container.FindNodeSimple(finding.first) != nullptr;
-        bool const hasSecond = container.FindNodeSimple(finding.second) != nullptr;
-        std::string const cause = hasFirst && hasSecond ? "it stands in front of its blocks"
-                                  : hasFirst            ? fmt::format("there is no block \"{}\"", second)
-                                  : hasSecond || first == second
-                                      ? fmt::format("there is no block \"{}\"", first)
-                                      : fmt::format("there are no blocks \"{}\" and \"{}\"", first, second);
         check.addToContent(index, kMissingConnectorBlock,
-                           fmt::format("the connector from \"{}\" to \"{}\" is lost: {}", first, second, cause));
+                           fmt::format("the connector from \"{}\" to \"{}\" is lost: {}", first, utf8(finding.second),
+                                       lossOf(check, check.tree.nodes()[index], finding)));
     }
 }
 

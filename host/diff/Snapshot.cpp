@@ -337,10 +337,9 @@ public:
             for (IFCNode* child = node->GetChild(); child != nullptr; child = child->GetNext())
                 if (isKept(*child))
                     open.push_back({child, index});
-            m_names.clear();
-            m_isSingle = open.size() - behind < 2;
+            Names names(open.size() - behind);
             for (std::size_t place = open.size(); place-- > behind;)
-                m_keys.emplace(open[place].node, keyOf(*open[place].node));
+                m_keys.emplace(open[place].node, keyOf(*open[place].node, names));
         }
     }
 
@@ -358,7 +357,18 @@ private:
                !node.IsDeleted();
     }
 
-    Key keyOf(IFCNode& node) {
+    // How often each name of a list was met.
+    class Names {
+    public:
+        explicit Names(std::size_t length) : m_isSingle(length < 2) {}
+        std::size_t occurrence(std::string const& name) { return m_isSingle ? 1 : ++m_counts[name]; }
+
+    private:
+        bool m_isSingle;
+        std::unordered_map<std::string, std::size_t> m_counts;
+    };
+
+    static Key keyOf(IFCNode& node, Names& names) {
         std::string const id = text(node.GetNodeId());
         std::string base = id;
         std::string shown = id;
@@ -367,7 +377,7 @@ private:
             shown = caption.empty() ? "(nameless)" : "\"" + caption + "\"";
             base = '\x1e' + caption;
         }
-        std::size_t const occurrence = m_isSingle ? 1 : ++m_names[base];
+        std::size_t const occurrence = names.occurrence(base);
         return {base + (occurrence < 2 ? std::string() : '\x1f' + std::to_string(occurrence)),
                 shown + mark(occurrence)};
     }
@@ -403,11 +413,11 @@ private:
             attributes.push_back({static_cast<std::uint8_t>(row), std::move(value)});
     }
 
-    void addVariables(NodeFacts& facts, IFCNode& node) {
+    static void addVariables(NodeFacts& facts, IFCNode& node) {
         CFCVariableList* const list = node.GetVariableList();
         if (list == nullptr)
             return;
-        m_names.clear();
+        Names names(static_cast<std::size_t>(std::max(list->GetCount(), 0)));
         for (__FCPOSITION* place = list->GetHeadPosition(); place != nullptr;) {
             CFCVariableData* const data = list->GetNext(place);
             // A nameless one is not written.
@@ -415,7 +425,7 @@ private:
                 continue;
             VariableFacts variable;
             variable.name = text(data->GetVariableName());
-            std::size_t const occurrence = ++m_names[variable.name];
+            std::size_t const occurrence = names.occurrence(variable.name);
             variable.key = variable.name + (occurrence < 2 ? std::string() : '\x1f' + std::to_string(occurrence));
             variable.name += mark(occurrence);
             variable.type = typeOf(*data);
@@ -455,8 +465,6 @@ private:
 
     Snapshot m_snapshot;
     std::unordered_map<IFCNode*, Key> m_keys; // of nodes that are still to be added
-    std::unordered_map<std::string, std::size_t> m_names;
-    bool m_isSingle = false;
 };
 
 } // namespace

@@ -154,11 +154,56 @@ TEST_F(Check, ADeadLinkIsToldWhereItIsAndNotWhereItIsFelt) {
 }
 
 TEST_F(Check, LinksAreDeadWhereThePathIsWrongInAnyPart) {
-    for (char const* const path : {"A", "A.", "A.X", "a.x", "A.x.y", "..x", "S.T.x", "Nothing"})
-        EXPECT_THAT(
-            findings(process(place("A", variable("x", "Int", "1") + linked("v", path))), "dead-link"),
-            ElementsAre(std::string("A.v: dead-link: links to \"") + path + "\", and there is no such variable"))
+    struct Case {
+        char const* path;
+        char const* meant;
+    };
+    for (auto const& [path, meant] :
+         {Case{"A", ""}, Case{"A.", ""}, Case{"A.X", "; did you mean A.x?"}, Case{"a.x", "; did you mean A.x?"},
+          Case{"A.x.y", ""}, Case{"..x", "; did you mean A.x?"}, Case{"S.T.x", "; did you mean A.x?"},
+          Case{"Nothing", ""}})
+        EXPECT_THAT(findings(process(place("A", variable("x", "Int", "1") + linked("v", path))), "dead-link"),
+                    ElementsAre(std::string("A.v: dead-link: links to \"") + path +
+                                "\", and there is no such variable" + meant))
             << path;
+}
+
+TEST_F(Check, OfAWrongLinkTheVariablesOfTheBlockThatItNamesAreMeant) {
+    std::string const many = place("Loads", variable("Span", "Int", "1") + variable("Height", "Int", "1")) +
+                             place("Walls", variable("Spam", "Int", "1"));
+    EXPECT_THAT(findings(process(many + place("B", linked("v", "Loads.Spam"))), "dead-link"),
+                ElementsAre("B.v: dead-link: links to \"Loads.Spam\", and there is no such variable; did you mean "
+                            "Loads.Span?"));
+    EXPECT_THAT(findings(process(many + place("B", linked("v", "Laods.Height"))), "dead-link"),
+                ElementsAre("B.v: dead-link: links to \"Laods.Height\", and there is no such variable; did you mean "
+                            "Loads.Height?"));
+    EXPECT_THAT(findings(process(place("B", "<VARIABLE Name=\"q\" DataType=\"Int\" Scope=\"Parent\">Topp</VARIABLE>"),
+                                 variable("Top", "Int", "1")),
+                         "dead-link"),
+                ElementsAre("B.q: dead-link: has the scope Parent, and the level above has neither a variable \"Topp\" "
+                            "nor \"q\"; did you mean Top?"));
+}
+
+TEST_F(Check, OfALostConnectorTheBlocksBesideAreMeant) {
+    std::string const blocks = place("Start") + place("Middle");
+    EXPECT_THAT(findings(process(blocks + connector("Start", "Midle")), "missing-connector-block"),
+                ElementsAre("(process): missing-connector-block: the connector from \"Start\" to \"Midle\" is lost: "
+                            "there is no block \"Midle\"; did you mean Middle?"));
+}
+
+TEST_F(Check, VeryManyWrongNamesTakeNoTimeOutOfProportion) {
+    std::string blocks;
+    std::string connectors;
+    for (int number = 0; number < 6000; ++number) {
+        std::string const id = "Step_" + std::to_string(number);
+        blocks += place(id, linked("in", "Stop_" + std::to_string(number) + ".in"));
+        connectors += connector(id, "Stop_" + std::to_string(number));
+    }
+    ProgramRun const run = check(process(blocks + connectors));
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.out.find("did you mean Step_0.in") != std::string::npos);
+    EXPECT_TRUE(run.out.ends_with("findings\n"));
+    EXPECT_LT(run.seconds, 20);
 }
 
 TEST_F(Check, LoopsOfEveryLengthAreToldOnce) {

@@ -52,6 +52,9 @@ TEST(NearNames, TakeTheLastPartOfAPath) {
     std::vector<std::string> const known = {"Analysis.Stress.Limit", "Analysis.Moments.Span"};
     EXPECT_THAT(nearNames("Limit", known), ElementsAre("Analysis.Stress.Limit"));
     EXPECT_THAT(nearNames("Moments.Spam", known), ElementsAre("Analysis.Moments.Span"));
+    // Of many that end alike the one that is near as a whole.
+    EXPECT_THAT(nearNames("Beam2.Stres", {"Beam1.Stress", "Plate.Stress", "Beam2.Stress", "Wall.Stress"}),
+                ElementsAre("Beam2.Stress", "Beam1.Stress", "Plate.Stress"));
 }
 
 // The plain way to the same: all distances, whole.
