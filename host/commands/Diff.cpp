@@ -106,11 +106,13 @@ void addDiff(CLI::App& app, Result& result) {
     command->add_option("A", options->first, "The process document as it was")->required();
     command->add_option("B", options->second, "The process document as it is")->required();
     command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
-    command->footer("Example:\n  flowmere diff beam.xml beam-new.xml\n\n"
-                    "A line for each difference: + for what is in B alone, - for what is in A alone, > for what was\n"
-                    "moved, ~ for what has another value. What a document does not keep does not count: two documents\n"
-                    "differ as far as it shows when they are read.\n"
-                    "Exit code: 0 no difference, 1 some, 2 a file cannot be read.");
+    command->footer("A line for each difference: + for what is in B alone, - for what is in A alone, > for what was\n"
+                    "moved, ~ for what has another value. Two documents that only differ in how they are written are\n"
+                    "the same.\n"
+                    "Exit code: 0 no difference, 1 some, 2 a file cannot be read.\n"
+                    "\n"
+                    "Example:\n"
+                    "  flowmere diff beam.xml beam-new.xml");
     command->callback([options, &result] { result.exitCode = diff(*options); });
 }
 
