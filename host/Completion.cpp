@@ -173,7 +173,7 @@ complete -F _{0} {0}
 
 // zsh
 
-// A text inside a specification: brackets and colons mean something there.
+// A text between brackets or colons, which mean something there.
 std::string zshText(std::string_view text) {
     std::string out;
     for (char const letter : text) {
