@@ -49,7 +49,6 @@ private:
         void operator()(void* object) const { g_object_unref(object); }
     };
 
-    std::unique_ptr<PangoFontMap, Unref> m_map;
     std::unique_ptr<PangoContext, Unref> m_context;
     std::unique_ptr<PangoLayout, Unref> m_layout; // used for one text after the other
     std::vector<Widths> m_widths;
