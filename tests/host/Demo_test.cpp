@@ -116,8 +116,10 @@ TEST(BeamStudy, SavedDocumentHoldsTheResult) {
 TEST(BeamStudy, EndsInAnErrorWhenNoProfileIsStrongEnough) {
     ProgramRun const run = runProgram({"run", (kBeam / "beam.xml").string(), "--set", "Geometry.SupportB=20,0"});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err,
-                HasSubstr("beam.xml: Choose: ValueError: no profile of the table is strong and stiff enough\n"));
+    EXPECT_THAT(
+        run.err,
+        HasSubstr("beam.xml: Choose: study/Choose.py:72: `raise ValueError(\"no profile of the table is strong and "
+                  "stiff enough\")`: ValueError: no profile of the table is strong and stiff enough\n"));
     EXPECT_THAT(run.out, HasSubstr("failed: "));
 }
 

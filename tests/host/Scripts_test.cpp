@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include <regex>
+
 namespace {
 
 using namespace flowmere::test;
@@ -16,6 +18,12 @@ namespace host = flowmere::host;
 using testing::HasSubstr;
 using testing::StartsWith;
 
+// What blocks printed, without the path of the block in front of each line.
+std::string withoutLabels(std::string const& text) {
+    static std::regex const label("(^|\n)  [A-Z] \\| ");
+    return std::regex_replace(text, label, "$1");
+}
+
 // Runs the statements as the script of one block that has the variables; their output, or the errors.
 std::string outputOf(std::string const& variables, std::string const& statements) {
     Study study;
@@ -23,7 +31,7 @@ std::string outputOf(std::string const& variables, std::string const& statements
     study.document(process(block("A", variables)));
     ProgramRun const run = study.run();
     std::size_t const line = run.out.find("A  ");
-    return run.exitCode == 0 ? run.out.substr(0, line) : run.err;
+    return run.exitCode == 0 ? withoutLabels(run.out.substr(0, line)) : run.err;
 }
 
 // Scalars and lists
@@ -52,7 +60,7 @@ TEST_P(VariableOfType, IsReadAndWrittenUnderItsTypeName) {
     study.document(process(block("A", variable("V", row.type, row.text, "Output", "", isList))));
     ProgramRun const run = study.run();
     EXPECT_EQ(withoutTimes(run.out),
-              row.read + "\nA  # ms  Executed  V=" + row.back + "\nended: 1 block executed,  # ms\n")
+              "  A | " + row.read + "\nA  # ms  Executed  V=" + row.back + "\nended: 1 block executed,  # ms\n")
         << run.err;
 }
 
@@ -94,7 +102,7 @@ TEST(Variables, AreKnownToTheBlockOrElseToTheProcess) {
     study.document(process(block("A", variable("Own", "Int", "1") + variable("Both", "Int", "2")),
                            variable("Both", "Int", "20") + variable("Common", "Int", "3")));
     ProgramRun const run = study.run({"--save", "out.xml"});
-    EXPECT_THAT(run.out, StartsWith("[0, 0, 0, 1, 1]\n1 2 3\n")) << run.err;
+    EXPECT_THAT(run.out, StartsWith("  A | [0, 0, 0, 1, 1]\n  A | 1 2 3\n")) << run.err;
     EXPECT_THAT(study.folder().read("out.xml"), HasSubstr(">30</VARIABLE>"));
 }
 
@@ -106,7 +114,7 @@ TEST(Variables, AreReadAndWrittenThroughTheirLinks) {
     study.document(process(
         block("A", variable("V", "Int", "1", "Output")) + block("B", variable("W", "Int", "2", "Output", "A.V")) +
         block("C", variable("X", "Int", "3", "Output", "B.W")) + connector("A", "B") + connector("B", "C")));
-    EXPECT_EQ(withoutTimes(study.run().out), "A  # ms  Executed  V=5\n5\nB  # ms  Executed  W=6\n6\n"
+    EXPECT_EQ(withoutTimes(study.run().out), "A  # ms  Executed  V=5\n  B | 5\nB  # ms  Executed  W=6\n  C | 6\n"
                                              "C  # ms  Executed  X=6\nended: 3 blocks executed,  # ms\n");
 }
 
@@ -253,7 +261,7 @@ TEST_F(GeneratedScript, PullsAndPushesVariablesOfEveryType) {
                                   "        print(self.getVInt(), self.getVDoubleArray(),"
                                   " self.getVPoint2().y, self.getVMatrix())\n");
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(run.out, StartsWith("7 7.0 7 [7, 8] ['7', '8'] 7.0,8.0,9.0 seven\n8 [1.0, 2.0] 8.0 7.0\n"));
+    EXPECT_THAT(run.out, StartsWith("  A | 7 7.0 7 [7, 8] ['7', '8'] 7.0,8.0,9.0 seven\n  A | 8 [1.0, 2.0] 8.0 7.0\n"));
 }
 
 TEST_F(GeneratedScript, ReadsListsOfObjects) {
@@ -265,14 +273,17 @@ TEST_F(GeneratedScript, ReadsListsOfObjects) {
                                   "        print(self.getNodes()[0], self.getNodes()[1][1], self.getParts()[0],"
                                   " self.getFlagged()[0])\n        return\n    def UndoBlock(self):\n        return\n");
     EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(run.out, StartsWith("2 3.0,4.0 2 1\n"));
+    EXPECT_THAT(run.out, StartsWith("  A | 2 3.0,4.0 2 1\n"));
 }
 
 TEST_F(GeneratedScript, TellsOfAnObjectListWithoutValue) {
     ProgramRun const run =
         generateAndRun(variable("Nodes", "Point2Array", ""), "    def PlayMacro(self):\n        self.getNodes()\n");
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_THAT(run.err, HasSubstr("A: Exception: Nodes variable could not be resolved: Aborting Execution\n"));
+    EXPECT_THAT(
+        run.err,
+        HasSubstr(
+            "A: pkg/A.py:60: `self.getNodes()`: Exception: Nodes variable could not be resolved: Aborting Execution\n"));
 }
 
 } // namespace
