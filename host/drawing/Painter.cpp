@@ -217,7 +217,8 @@ private:
         else
             paintClosed(block, box);
         if (block.isBreak) {
-            paintStop({box.rect.left + 2, box.rect.top + 2});
+            Rect const rect = block.shape == Shape::Bar && !block.isOpen ? barOf(box.rect) : box.rect;
+            paintStop({rect.left + 2, rect.top + 2});
         }
     }
 
