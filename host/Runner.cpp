@@ -73,11 +73,24 @@ Runner::Runner(Document& document, Interpreter& interpreter, RunObserver observe
         CFCBlockNode* const block = getExecutive()->getExeutingBlock();
         return block != nullptr ? pathOf(*block) : std::string();
     });
+    marksChanged();
     if (m_observer.stepDone)
         hostServices().valueWritten = [this](CFCVariableData& variable) {
             if (m_isWritten.insert(&variable).second)
                 m_written.push_back(&variable);
         };
+}
+
+void Runner::passOverSkipped() {
+    m_passesOver = true;
+    marksChanged();
+}
+
+void Runner::marksChanged() {
+    m_unaskable.clear();
+    for (CFCBlockNode* const block : m_document.blocks())
+        if (block->GetSkipFlag() && (m_passesOver || m_document.scriptState(*block) == ScriptState::None))
+            m_unaskable.push_back(block);
 }
 
 Runner::~Runner() {
@@ -292,7 +305,10 @@ RunEnd Runner::askConsent(CFCBlockNode& block) {
     m_unasked = nullptr;
     BlockRun result;
     result.path = pathOf(block);
-    runScript(block, result, [&](bool) { block.CheckBlockExecuteMethod("CanSkip"); });
+    runScript(block, result, [&](bool hasScript) {
+        if (hasScript)
+            block.CheckBlockExecuteMethod("CanSkip");
+    });
     RunStep done;
     done.kind = result.state == BlockRun::State::Executed ? RunStep::Kind::Values : RunStep::Kind::Consent;
     done.block = &block;
@@ -311,7 +327,11 @@ void Runner::tickOnce(CFCBlockNode& block, bool hasScript) {
     // A block that has no script would be looked for under the name of the block.
     if (!hasScript)
         block.SetScriptType(EScriptType_PYTHON_CMD);
+    for (CFCBlockNode* const marked : m_unaskable)
+        marked->SetSkipFlag(false);
     m_mechanism->TProcessTimerProc(nullptr, 0, 0, nullptr);
+    for (CFCBlockNode* const marked : m_unaskable)
+        marked->SetSkipFlag(true);
     block.SetScriptType(type);
 }
 

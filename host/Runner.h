@@ -96,7 +96,9 @@ public:
     void restore(std::vector<RunStep> const& steps, CFCBlockNode* unasked = nullptr, bool stops = false);
     // From now on a block that is marked to be skipped, and whose script lets it, is passed over with all that is in
     // it.
-    void passOverSkipped() { m_passesOver = true; }
+    void passOverSkipped();
+    // After blocks were marked to be skipped, or are so no more.
+    void marksChanged();
 
     // Runs on from where the run stands, at first from the start block, until the flow ends, stops or fails. With
     // `until` also once that block has run, and all that is in it.
@@ -164,6 +166,8 @@ private:
     bool m_passesStop = false;
     bool m_isRestored = false;
     bool m_passesOver = false;
+    // The marked blocks that the library shall not ask for their consent.
+    std::vector<CFCBlockNode*> m_unaskable;
 };
 
 } // namespace flowmere::host

@@ -27,23 +27,46 @@ void onInterrupt(int) {
     isInterrupted = 1;
 }
 
-// While a line is typed, Ctrl-C takes it away and nothing else.
-class PromptSignals {
-public:
-    PromptSignals() {
-        struct sigaction action {};
-        action.sa_handler = onInterrupt;
-        ::sigemptyset(&action.sa_mask);
-        ::sigaction(SIGINT, &action, &m_before);
-        isInterrupted = 0;
-    }
-    ~PromptSignals() { ::sigaction(SIGINT, &m_before, nullptr); }
-    PromptSignals(PromptSignals const&) = delete;
-    PromptSignals& operator=(PromptSignals const&) = delete;
+// From now on Ctrl-C interrupts what reads from the terminal, and nothing else.
+void setInterrupt(struct sigaction* before) {
+    struct sigaction action {};
+    action.sa_handler = onInterrupt;
+    ::sigemptyset(&action.sa_mask);
+    ::sigaction(SIGINT, &action, before);
+}
 
-private:
-    struct sigaction m_before {};
-};
+// One byte of what is typed: 1, 0 at the end, and -1 after Ctrl-C, from which the editor itself would read on.
+int readByte(unsigned char& byte) {
+    for (;;) {
+        ssize_t const count = ::read(STDIN_FILENO, &byte, 1);
+        if (count >= 0)
+            return static_cast<int>(count);
+        if (errno != EINTR || isInterrupted != 0)
+            return -1;
+    }
+}
+
+// One character, of as many bytes as UTF-8 gives it.
+int readCharacter(EditLine*, wchar_t* character) {
+    constexpr wchar_t kReplacement = L'\xFFFD';
+    unsigned char byte = 0;
+    if (int const result = readByte(byte); result != 1)
+        return result;
+    int const more = byte < 0xC2 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : byte < 0xF5 ? 3 : 0;
+    *character = byte < 0x80 ? static_cast<wchar_t>(byte) : kReplacement;
+    if (more == 0)
+        return 1;
+    unsigned code = byte & (0x3FU >> more);
+    for (int count = 0; count < more; ++count) {
+        if (int const result = readByte(byte); result != 1)
+            return result;
+        if ((byte & 0xC0U) != 0x80U)
+            return 1;
+        code = (code << 6U) | (byte & 0x3FU);
+    }
+    *character = static_cast<wchar_t>(code);
+    return 1;
+}
 
 // Letters beyond ASCII can be typed in any locale.
 void useUtf8() {
@@ -105,6 +128,7 @@ public:
         ::el_set(m_editor, EL_CLIENTDATA, this);
         ::el_set(m_editor, EL_PROMPT, promptOf);
         ::el_set(m_editor, EL_SIGNAL, 0);
+        ::el_set(m_editor, EL_GETCFN, readCharacter);
         ::el_set(m_editor, EL_EDITOR, "emacs");
         ::el_set(m_editor, EL_HIST, ::history, m_lines);
         ::el_set(m_editor, EL_ADDFN, "flowmere-complete", "Complete what stands before the cursor", onComplete);
@@ -128,9 +152,11 @@ public:
     std::optional<std::string> read(std::string const& prompt) {
         m_prompt = prompt;
         for (;;) {
-            PromptSignals const signals;
+            isInterrupted = 0;
             std::fflush(stdout);
             ::el_resize(m_editor);
+            // Before the prompt shows: who sees it may type keys that the terminal would take for itself.
+            ::el_set(m_editor, EL_PREP_TERM, 1);
             int count = 0;
             char const* const line = ::el_gets(m_editor, &count);
             if (isInterrupted != 0) {
@@ -202,6 +228,7 @@ private:
 };
 
 LineEditor::LineEditor(History& history, Completer completer) : m_history(history) {
+    setInterrupt(&m_before);
     if (!canMoveCursor())
         return;
     m_editor = std::make_unique<Editor>(history, std::move(completer));
@@ -209,7 +236,9 @@ LineEditor::LineEditor(History& history, Completer completer) : m_history(histor
         m_editor.reset();
 }
 
-LineEditor::~LineEditor() = default;
+LineEditor::~LineEditor() {
+    ::sigaction(SIGINT, &m_before, nullptr);
+}
 
 std::optional<std::string> LineEditor::read(std::string const& prompt) {
     std::optional<std::string> line = m_editor != nullptr ? m_editor->read(prompt) : readPlain(prompt);
@@ -222,7 +251,7 @@ std::optional<std::string> LineEditor::read(std::string const& prompt) {
 }
 
 std::optional<std::string> LineEditor::readPlain(std::string const& prompt) {
-    PromptSignals const signals;
+    isInterrupted = 0;
     printOut(prompt);
     for (;;) {
         if (auto const end = m_rest.find('\n'); end != std::string::npos) {

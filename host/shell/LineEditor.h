@@ -5,6 +5,7 @@
 #include "host/shell/Completion.h"
 #include "host/shell/History.h"
 
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -13,7 +14,8 @@
 
 namespace flowmere::host::shell {
 
-// Standard input and output are a terminal. One that cannot move its cursor takes lines all the same, without editing.
+// Standard input and output are a terminal. While this lives, Ctrl-C ends nothing that does not ask for it. One that
+// cannot move its cursor takes lines all the same, without editing.
 class LineEditor {
 public:
     using Completer = std::function<Completion(std::string_view line)>;
@@ -34,6 +36,7 @@ private:
     History& m_history;
     std::unique_ptr<Editor> m_editor; // null for a terminal without editing
     std::string m_rest;
+    struct sigaction m_before {};
 };
 
 } // namespace flowmere::host::shell

@@ -137,6 +137,8 @@ void Workspace::mark(Mark mark, bool isSet) {
     case Mark::Skip:
         block.SetSkipFlag(isSet);
         changed();
+        if (m_runner != nullptr)
+            m_runner->marksChanged();
         break;
     case Mark::Break:
         if (isSet && m_document->scriptState(block) == ScriptState::None)
@@ -169,6 +171,8 @@ void Workspace::clearAll(Mark mark) {
     }
     if (!cleared.empty() && mark != Mark::Break)
         changed();
+    if (mark == Mark::Skip && m_runner != nullptr)
+        m_runner->marksChanged();
     for (std::string const& path : cleared)
         m_output.line(fmt::format("{}: no {}", oneLine(path), markName(static_cast<int>(mark))));
     if (cleared.empty())

@@ -406,6 +406,20 @@ TEST(RunningScripts, AskForConsentOfABlockMarkedToBeSkipped) {
     EXPECT_THAT(run.err, HasSubstr("block B: Traceback"));
 }
 
+TEST(RunningScripts, AskNoBlockWithoutOneForItsConsent) {
+    Study const study;
+    study.scriptOf("A", "pass");
+    std::string sub = subProcess("Sub", block("A"));
+    sub.insert(sub.find("<SCRIPT"), "<FLAGS Skip=\"true\"/>\n");
+    study.document(process(block("A") + sub + connector("A", "Sub")));
+    ProgramRun const run = study.run({"--undo", "3"});
+    EXPECT_EQ(withoutTimes(run.out), "A  # ms  Executed\nSub  # ms  Executed\nSub.A  # ms  Executed\n"
+                                     "Sub.A  # ms  Undone\nSub  # ms  Undone\nA  # ms  Undone\n"
+                                     "stopped before A: 3 blocks executed, 3 undone,  # ms\n");
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.exitCode, 0);
+}
+
 // Scripts that go wrong
 
 class FailingScript : public testing::Test {
