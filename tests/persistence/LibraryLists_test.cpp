@@ -86,6 +86,13 @@ TEST_F(LibraryLists, WithoutAUserPathThereIsNoUsersList) {
     EXPECT_EQ(printed, "");
 }
 
+TEST_F(LibraryLists, TheResourceFolderIsNoUsersFolder) {
+    CFCEnvironment::SetResourcePath(scratch.text("BrindleExec"));
+    scratch.write("BrindleExec/process.lst", kList);
+    EXPECT_EQ(loadUser(), nullptr) << "the common list lies there, and a user's one nowhere";
+    EXPECT_EQ(printed, "");
+}
+
 TEST_F(LibraryLists, AUserPathOutsideTheFolderWordHasNoUsersList) {
     CFCEnvironment::SetBasePath(scratch.text("base"));
     for (char const* folder : {"own", "brindleexec/own", "Brindle Exec"}) {
@@ -201,7 +208,10 @@ TEST_F(LibraryLists, AUsersListIsMergedIntoTheCommonOne) {
 
 class Templates : public LibraryLists {
 protected:
-    Templates() { CFCEnvironment::SetResourcePath(scratch.text("res")); }
+    Templates() {
+        CFCEnvironment::SetBasePath(scratch.text("base"));
+        CFCEnvironment::SetResourcePath(scratch.text("res"));
+    }
 
     static CFCBlockNode* add(IFCNode* parent, wchar_t const* id, wchar_t const* folder) {
         CFCBlockNode* const block = addBlock(parent, id);
@@ -268,6 +278,7 @@ TEST_F(Templates, OnlyNodesWithBlockDataAreSaved) {
 TEST_F(Templates, NoFolderIsMade) {
     CFCNodeHelper::SaveSingleNode(add(process.get(), L"Bolt", L"blocks"));
     EXPECT_FALSE(std::filesystem::exists(scratch / "res"));
+    EXPECT_FALSE(std::filesystem::exists(scratch / "base"));
 }
 
 TEST_F(Templates, AChainIsSavedFromTheNodeOn) {

@@ -109,6 +109,11 @@ TEST_F(ProcessList, AProcessMayHoldEntriesToo) {
     EXPECT_EQ(outlineOf(list.get()), "a(b(c()))");
 }
 
+TEST_F(ProcessList, CodeMayHoldEntriesToo) {
+    parseInside("<CODE Name='c'>x<PROCESS Name='a'/><CODE Name='d'/></CODE>");
+    EXPECT_EQ(outlineOf(list.get()), "c(a d)");
+}
+
 TEST_F(ProcessList, AnyRootElementWillDo) {
     for (char const* root : {"Processes", "PROCESS_LST", "Process", "Anything"}) {
         list.reset(new CFCProcessList);
@@ -199,6 +204,22 @@ TEST_F(ProcessList, WithoutAUserPathTheCommonListIsTheUsersOwn) {
     CFCEnvironment::SetBasePath(scratch.text());
     parseInside("<PROCESS Name='a'/>");
     EXPECT_TRUE(found(list.get(), L"a")->IsNewPath());
+    CFCEnvironment::SetBasePath(L"elsewhere");
+    list.reset(new CFCProcessList);
+    parseInside("<PROCESS Name='a'/>");
+    EXPECT_FALSE(found(list.get(), L"a")->IsNewPath()) << "the user path is then the base path";
+}
+
+TEST_F(ProcessList, TheUserPathCountsAnywhereInThePath) {
+    scratch.write("users/eve/process.lst", "<P><PROCESS Name='a'/></P>");
+    std::filesystem::path const before = std::filesystem::current_path();
+    std::filesystem::current_path(scratch.path());
+    CFCEnvironment::SetUserPath(L"users");
+    bool const isRead = parseFile(scratch.text("users/eve/process.lst"));
+    std::filesystem::current_path(before);
+    ASSERT_TRUE(isRead);
+    EXPECT_TRUE(reader.m_bUserList) << "also behind its start";
+    EXPECT_TRUE(found(list.get(), L"a")->IsNewPath());
 }
 
 TEST_F(ProcessList, TheEmptyUserPathOccursInEveryPath) {
@@ -264,11 +285,12 @@ TEST_F(ProcessList, ArgumentsMayBeAnswersOfTheEnvironment) {
 }
 
 TEST_F(ProcessList, ACaptionMayBeTheArgument) {
-    scratch.write("good.lst", "<P Name='new'/>");
+    scratch.write("good.lst", "<P Name='new'><PROCESS Name='a'/></P>");
     list->SetNodeCaption(scratch.text("good.lst"));
     reader.SetNodeFactory(&factory);
     EXPECT_TRUE(reader.Parse(list->GetNodeCaption(), list.get(), list->GetNodeCaption()));
     EXPECT_STREQ(list->GetNodeCaption(), L"new");
+    EXPECT_STREQ(found(list.get(), L"a")->GetItemFileBaseDirectory(), scratch.text("good.lst"));
 }
 
 // --- Load and its steps ----------------------------------------------------------------------------------------
@@ -871,6 +893,30 @@ TEST_F(NewProcess, WithoutAListAboveAllGroupsCount) {
     top->SetNodeCaption(L"Top");
     update(addFile(addGroup(top.get(), L"A"), L"new"));
     EXPECT_EQ(outlineOf(root.get()), "Top(A(new))");
+    root = newList();
+    update(addFile(top.get(), L"other"));
+    EXPECT_EQ(outlineOf(root.get()), "Top(other)") << "a group at the top is a group";
+}
+
+TEST_F(NewProcess, OfAListInsideAGroupOnlyFilesGoWithoutGroups) {
+    IFCNode* const inner = addChild(addGroup(tree.get(), L"Above"), 69, L"", L"Inner");
+    update(addFile(inner, L"new"));
+    EXPECT_EQ(outlineOf(root.get()), "new");
+    root = newList();
+    update(addGroup(inner, L"G"));
+    EXPECT_EQ(outlineOf(root.get()), "Above(Inner(G()))") << "the list that it stands in counts as a group then";
+}
+
+TEST_F(NewProcess, AFileOfTheNameOfAGroupTakesTheProcessIn) {
+    addFile(root.get(), L"A");
+    update(addFile(addGroup(tree.get(), L"A"), L"new"));
+    EXPECT_EQ(outlineOf(root.get()), "A(new)") << "what is found by its name need not be a group";
+}
+
+TEST_F(NewProcess, NamesOfGroupsAreComparedWithCase) {
+    addGroup(root.get(), L"a");
+    update(addFile(addGroup(tree.get(), L"A"), L"new"));
+    EXPECT_EQ(outlineOf(root.get()), "a() A(new)");
 }
 
 TEST_F(NewProcess, WhatIsNoFileGetsAGroupNamedLikeTheList) {
