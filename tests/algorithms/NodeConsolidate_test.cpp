@@ -423,6 +423,9 @@ void scanAndMerge(IFCNode* target, IFCNode* source) {
         }
         if (into == nullptr) {
             into = CFCNodeHelper::Clone(entry);
+            if (into == nullptr) {
+                continue;
+            }
             target->AppendChild(into, false);
         }
         scanAndMerge(into, entry->GetChild());
@@ -445,6 +448,9 @@ void scanAndMerge2(IFCNode* target, IFCNode* source, std::vector<IFCNode*>& home
             continue;
         }
         IFCNode* const clone = CFCNodeHelper::Clone(entry);
+        if (clone == nullptr) {
+            continue;
+        }
         IFCNode* const place = target != nullptr && target->GetNodeType() == 70 ? target->GetParentNode() : target;
         if (place != nullptr) {
             place->AppendChild(clone, false);
@@ -453,6 +459,9 @@ void scanAndMerge2(IFCNode* target, IFCNode* source, std::vector<IFCNode*>& home
         }
         if (entry->GetChild() != nullptr) {
             IFCNode* const first = CFCNodeHelper::Clone(entry->GetChild());
+            if (first == nullptr) {
+                continue;
+            }
             if (clone->GetNodeType() != 70) {
                 clone->AppendChild(first, false);
             } else {
@@ -465,9 +474,13 @@ void scanAndMerge2(IFCNode* target, IFCNode* source, std::vector<IFCNode*>& home
 
 // A tree of few captions, so that they meet often, with entries below file nodes too.
 void grow(IFCNode* parent, int depth, std::mt19937& random) {
-    static constexpr wchar_t const* kCaptions[] = {L"A", L"B", L"C"};
+    static constexpr wchar_t const* kCaptions[] = {L"A", L"a", L""};
+    // Files and groups most of all; no node of the last type can be made.
+    static constexpr int kTypes[] = {70, 70, 70, 71, 71, 71, 69, 62};
     for (auto left = random() % 5; left > 0; --left) {
-        IFCNode* const node = make(random() % 2 == 0 ? 70 : 71, L"", kCaptions[random() % 3]);
+        int const type = kTypes[random() % 8];
+        IFCNode* const node = make(type == 62 ? 71 : type, L"", kCaptions[random() % 3]);
+        node->SetNodeType(type);
         node->SetNodeId(std::to_wstring(random() % 100).c_str());
         node->SetVersionNo(static_cast<float>(random() % 3));
         node->SetUptoDate(true);
@@ -482,9 +495,10 @@ void grow(IFCNode* parent, int depth, std::mt19937& random) {
 std::string everything(IFCNode* parent) {
     std::string text;
     for (IFCNode* node = parent->GetChild(); node != nullptr; node = node->GetNext()) {
-        text += narrow(node->GetNodeCaption()) + std::to_string(node->GetNodeType()) + narrow(node->GetNodeId()) +
-                (node->IsUptoDate() ? "u" : "") + (node->IsCheckedOut() ? "c" : "") + (node->IsNewPath() ? "n" : "") +
-                "(" + everything(node) + ")";
+        EXPECT_EQ(node->GetParentNode(), parent);
+        text += narrow(node->GetNodeCaption()) + std::to_string(node->GetNodeType()) + narrow(node->GetNodeId()) + "v" +
+                std::to_string(node->GetVersionNo()) + (node->IsUptoDate() ? "u" : "") +
+                (node->IsCheckedOut() ? "c" : "") + (node->IsNewPath() ? "n" : "") + "(" + everything(node) + ")";
     }
     return text;
 }
@@ -500,13 +514,20 @@ TEST(ScannedMerge, GivesTheSameForAnyTrees) {
         std::mt19937 random(seed + 100000);
         grow(source, 3, random);
 
-        CFCNodeHelper::Consolidate(targets[0], source->GetChild());
-        scanAndMerge(targets[1], source->GetChild());
+        // Into the tree as a whole or into its first entry, which may be a file; entries of a list, or one that stands
+        // alone.
+        auto const into = [&](Tree& target) {
+            return seed % 2 == 0 ? target.root() : target->GetChild();
+        };
+        IFCNode* const from = seed % 5 == 0 ? source.root() : source->GetChild();
+
+        CFCNodeHelper::Consolidate(into(targets[0]), from);
+        scanAndMerge(into(targets[1]), from);
         ASSERT_EQ(everything(targets[0]), everything(targets[1])) << seed;
 
         std::vector<IFCNode*> homeless;
-        CFCNodeHelper::Consolidate2(targets[2], source->GetChild());
-        scanAndMerge2(targets[3], source->GetChild(), homeless);
+        CFCNodeHelper::Consolidate2(into(targets[2]), from);
+        scanAndMerge2(into(targets[3]), from, homeless);
         ASSERT_EQ(everything(targets[2]), everything(targets[3])) << seed;
         for (IFCNode* const node : homeless) {
             CFCNodeHelper::DestroyTree(node);

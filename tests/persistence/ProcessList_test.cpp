@@ -775,6 +775,16 @@ TEST_F(ProcessList, ANewFileGoesToTheUsersList) {
     EXPECT_FALSE(std::filesystem::exists(scratch / "base"));
 }
 
+TEST_F(ProcessList, EachFileHasTheWriteAllFlagOfItsOwn) {
+    ListTree const made = newList();
+    addFile(made.get(), L"old", L"", false);
+    CFCProcessListWriter writer;
+    for (bool const all : {false, true, false}) {
+        writer.WriteFile(scratch.text("w.lst"), made.get(), false, all);
+        EXPECT_THAT(linesOf(scratch.read("w.lst"), "PROCESS"), SizeIs(all ? 1 : 0));
+    }
+}
+
 TEST_F(ProcessList, ANewFileNeedsAListRoot) {
     CFCEnvironment::SetUserPath(scratch.text("own"));
     CFCProcessListWriter writer;
