@@ -221,7 +221,8 @@ private:
             points.insert(points.begin(), goal);
         }
         std::reverse(points.begin(), points.end());
-        points = simplified(points);
+        // One that runs aslant by more than a little belongs to blocks that stood elsewhere.
+        points = simplified(orthogonal(points));
         if (points.size() < 2)
             return false;
         // What was drawn around a closed block may lead through it when it is open.

@@ -3,6 +3,7 @@
 #include "host/Command.h"
 #include "host/Text.h"
 #include "host/drawing/Looks.h"
+#include "host/drawing/Router.h"
 #include "host/drawing/Signs.h"
 
 #include <cairo-pdf.h>
@@ -298,18 +299,16 @@ private:
         Line const& line = m_layout.lines[number];
         if (line.points.size() < 2)
             return;
-        std::vector<Point> points = line.points;
         // The outline of some kinds lies inside the rectangle that has the grips.
         auto const dock = [&](std::size_t block, int grip) {
             return dockOf(m_diagram.blocks[block], m_layout.boxes[block].rect, grip);
         };
-        Point const start = dock(connector.start, line.startGrip);
-        Point const end = dock(connector.end, line.endGrip);
-        if (start != points.front())
-            points.insert(points.begin(), start);
-        if (end != points.back())
-            points.push_back(end);
-        straighten(points);
+        auto const isCorner = [](int grip) {
+            return grip % 2 == 1;
+        };
+        std::vector<Point> points =
+            fitted(line.points, dock(connector.start, line.startGrip), dock(connector.end, line.endGrip),
+                   isCorner(line.startGrip), isCorner(line.endGrip));
 
         Point const tip = points.back();
         Point const before = points[points.size() - 2];
@@ -332,23 +331,6 @@ private:
         cairo_line_to(m_cairo, base.x + along.y * half, base.y - along.x * half);
         cairo_close_path(m_cairo);
         cairo_fill(m_cairo);
-    }
-
-    // A step aside of a unit or two, which comes of truncation, looks better as a line that runs a little aslant.
-    static void straighten(std::vector<Point>& points) {
-        constexpr double kStep = 2.5;
-        for (std::size_t at = 1; at + 2 < points.size(); ++at) {
-            Point& a = points[at];
-            Point& b = points[at + 1];
-            Point const& before = points[at - 1];
-            Point const& behind = points[at + 2];
-            bool const goesOn = (a.x - before.x) * (behind.x - b.x) + (a.y - before.y) * (behind.y - b.y) > 0;
-            if (!goesOn || std::hypot(a.x - b.x, a.y - b.y) > kStep)
-                continue;
-            a = b = {(a.x + b.x) / 2, (a.y + b.y) / 2};
-            if (points.size() == 4)
-                points = {points.front(), points.back()};
-        }
     }
 
     // With its corners rounded a little.

@@ -21,6 +21,9 @@ constexpr double kCross = 10;     // or line that is crossed
 constexpr double kAlong = 120;    // or line that is covered, apart from how long
 constexpr double kSame = 0.01;    // coordinates so near to each other are one
 constexpr double kOutside = 24;
+constexpr double kAslant = 2.5; // what truncation takes off at both ends of a piece
+constexpr double kStep = 4;     // a step aside of less looks like a mistake
+constexpr double kRound = 8;    // so far in a line follows the corner of its block
 
 constexpr std::size_t kMostAround = 250; // blocks that a search takes into account
 constexpr std::size_t kMostSteps = 60000;
@@ -48,6 +51,33 @@ double lengthOf(std::vector<Point> const& line) {
     for (std::size_t at = 1; at < line.size(); ++at)
         length += std::abs(line[at].x - line[at - 1].x) + std::abs(line[at].y - line[at - 1].y);
     return length;
+}
+
+// Makes the first piece begin at the outline instead of the grip.
+void beginAt(std::vector<Point>& line, Point const& point) {
+    Point const grip = line.front();
+    if (isSame(grip.x, point.x) && isSame(grip.y, point.y))
+        return;
+    bool const isUpright = isSame(grip.x, line[1].x);
+    double const aside = isUpright ? point.x - grip.x : point.y - grip.y;
+    auto const isRoom = [&] {
+        double const next = isUpright ? line[2].x - line[1].x : line[2].y - line[1].y;
+        return next * aside < 0 || std::abs(next) > std::abs(aside) + kStep;
+    };
+    if (std::abs(aside) <= kRound && line.size() == 2 && std::abs(aside) >= kSame) {
+        // A step halfway.
+        Point const middle{(grip.x + line[1].x) / 2, (grip.y + line[1].y) / 2};
+        Point const first = isUpright ? Point{point.x, middle.y} : Point{middle.x, point.y};
+        line = {point, first, middle, line[1]};
+    } else if (std::abs(aside) <= kRound && line.size() > 2 && isRoom()) {
+        line.front() = point;
+        (isUpright ? line[1].x : line[1].y) += aside;
+    } else if (std::abs(aside) < kSame) {
+        line.front() = point;
+    } else {
+        line.front() = isUpright ? Point{grip.x, point.y} : Point{point.x, grip.y};
+        line.insert(line.begin(), point);
+    }
 }
 
 std::size_t keyOf(Router::End const& end) {
@@ -98,6 +128,55 @@ std::vector<Point> simplified(std::vector<Point> const& line) {
         result.push_back(point);
     }
     return result;
+}
+
+std::vector<Point> orthogonal(std::vector<Point> const& line) {
+    std::vector<Point> result;
+    for (Point const& point : line) {
+        if (!result.empty() && !isSame(result.back().x, point.x) && !isSame(result.back().y, point.y)) {
+            Point const last = result.back();
+            Point const middle{(last.x + point.x) / 2, (last.y + point.y) / 2};
+            if (std::abs(last.x - point.x) <= kAslant)
+                result.insert(result.end(), {{last.x, middle.y}, {point.x, middle.y}});
+            else if (std::abs(last.y - point.y) <= kAslant)
+                result.insert(result.end(), {{middle.x, last.y}, {middle.x, point.y}});
+            else
+                return {};
+        }
+        result.push_back(point);
+    }
+    return result;
+}
+
+std::vector<Point> fitted(std::vector<Point> line, Point const& start, Point const& end, bool isStartHeld,
+                          bool isEndHeld) {
+    if (line.size() < 2)
+        return line;
+    beginAt(line, start);
+    std::reverse(line.begin(), line.end());
+    beginAt(line, end);
+    std::reverse(line.begin(), line.end());
+    for (std::size_t at = 1; at + 2 < line.size();) {
+        Point const before = line[at - 1];
+        Point const a = line[at];
+        Point const b = line[at + 1];
+        Point const behind = line[at + 2];
+        bool const goesOn = (a.x - before.x) * (behind.x - b.x) + (a.y - before.y) * (behind.y - b.y) > 0;
+        bool const isInFront = at > 1 || !isStartHeld;
+        bool const isBehind = at + 3 < line.size() || !isEndHeld;
+        if (!goesOn || std::abs(a.x - b.x) + std::abs(a.y - b.y) > kStep || !(isInFront || isBehind)) {
+            ++at;
+            continue;
+        }
+        // The piece that moves is one between others, if there is such a one.
+        bool const movesFront = at > 1 || (isInFront && !(isBehind && at + 3 < line.size()));
+        if (movesFront)
+            line[at - 1] = {before.x + b.x - a.x, before.y + b.y - a.y};
+        else
+            line[at + 2] = {behind.x + a.x - b.x, behind.y + a.y - b.y};
+        line.erase(line.begin() + static_cast<std::ptrdiff_t>(at), line.begin() + static_cast<std::ptrdiff_t>(at) + 2);
+    }
+    return line;
 }
 
 struct Router::Job {

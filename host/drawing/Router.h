@@ -71,4 +71,13 @@ std::vector<Direction> directionsOf(int grip);
 // Leaves out points on the way between their neighbours. Empty when the line turns back on itself.
 std::vector<Point> simplified(std::vector<Point> const& line);
 
+// Pieces that run aslant by no more than a truncated number takes off get a step in their middle. Empty when one runs
+// farther aslant.
+std::vector<Point> orthogonal(std::vector<Point> const& line);
+
+// Leads a line in right angles from its grips to the outlines of its blocks, and takes out small steps aside. An end
+// that is not held may give way for that, along the side of its block.
+std::vector<Point> fitted(std::vector<Point> line, Point const& start, Point const& end, bool isStartHeld,
+                          bool isEndHeld);
+
 } // namespace flowmere::host::drawing

@@ -491,6 +491,48 @@ TEST(DrawLines, KeepTheRouteOfTheModel) {
     EXPECT_NEAR(left - 50, layout.lines[1].points[1].x, 1e-6);
 }
 
+TEST(DrawLines, TakeSmallStepsOutInRightAngles) {
+    using Points = std::vector<Point>;
+    // Between the corner of a bar and the middle of a block: the end in the middle gives way.
+    EXPECT_EQ((Points{{99, 10}, {99, 50}}),
+              fitted({{99, 10}, {99, 30}, {100, 30}, {100, 50}}, {99, 10}, {100, 50}, true, false));
+    EXPECT_EQ((Points{{100, 10}, {100, 50}}),
+              fitted({{99, 10}, {99, 30}, {100, 30}, {100, 50}}, {99, 10}, {100, 50}, false, true));
+    // Two corners hold.
+    EXPECT_EQ(4U, fitted({{99, 10}, {99, 30}, {100, 30}, {100, 50}}, {99, 10}, {100, 50}, true, true).size());
+    // A piece in between moves, and no end does.
+    EXPECT_EQ((Points{{0, 0}, {0, 40}, {52, 40}, {52, 90}}),
+              fitted({{0, 0}, {0, 40}, {50, 40}, {50, 60}, {52, 60}, {52, 90}}, {0, 0}, {52, 90}, false, false));
+    // A step that can be seen as one stays.
+    EXPECT_EQ(4U, fitted({{90, 10}, {90, 30}, {100, 30}, {100, 50}}, {90, 10}, {100, 50}, false, false).size());
+}
+
+TEST(DrawLines, ReachTheOutlineBehindACornerInRightAngles) {
+    using Points = std::vector<Point>;
+    // A diamond: around its corner.
+    EXPECT_EQ((Points{{50, 125}, {0, 125}, {0, 0}, {90, 0}}),
+              fitted({{0, 100}, {0, 0}, {90, 0}}, {50, 125}, {90, 0}, true, true));
+    // A rounded corner: a little farther in.
+    EXPECT_EQ((Points{{3, 103}, {3, 0}, {90, 0}}), fitted({{0, 100}, {0, 0}, {90, 0}}, {3, 103}, {90, 0}, true, true));
+    EXPECT_EQ((Points{{3, 103}, {3, 0}}), fitted({{0, 100}, {0, 0}}, {3, 103}, {0, 0}, true, false));
+    // A bar within its rectangle: straight on.
+    EXPECT_EQ((Points{{0, 110}, {0, 0}, {90, 0}}), fitted({{0, 100}, {0, 0}, {90, 0}}, {0, 110}, {90, 0}, true, true));
+}
+
+TEST(DrawLines, DoNotKeepARouteThatRunsAslant) {
+    Sketch sketch;
+    std::size_t const a = sketch.add({100, 100, 300, 175});
+    std::size_t const b = sketch.add({120, 400, 320, 475});
+    sketch.join(a, b).route = {{210, 175}, {210, 400}};
+    sketch.join(a, b, 8, 8).route = {{100, 137}, {20, 200}, {20, 437}, {120, 437}};
+    sketch.join(a, b, 4, 4).route = {{300, 137}, {400, 137}, {401, 437}, {320, 437}};
+    Layout const layout = sketch.layOut();
+    expectGoodLayout(sketch.diagram(), layout);
+    double const left = layout.boxes[a].rect.left;
+    EXPECT_NEAR(left + 300, layout.lines[2].points[1].x, 1e-6)
+        << "what truncation took off is no reason for another way";
+}
+
 TEST(DrawLines, FindAnotherWayWhenTheRouteOfTheModelIsOutOfDate) {
     Sketch sketch;
     std::size_t const a = sketch.add({100, 100, 300, 175});
