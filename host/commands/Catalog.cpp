@@ -69,6 +69,19 @@ std::vector<std::string> filesOf(CatalogKind const& kind, Options const& options
     return files;
 }
 
+std::string otherKind(CatalogKind const& kind, std::string const& root) {
+    return fmt::format("holds a \"{}\" and no {}", root, kind.content);
+}
+
+// Refuses a process: its blocks would read as entries without any words.
+void checkNoProcess(CatalogKind const& kind, std::string const& file) {
+    constexpr char const* kProcess = "Process";
+    if (kind.roots.empty() || std::find(kind.roots.begin(), kind.roots.end(), kProcess) != kind.roots.end())
+        return;
+    if (rootElement(file) == kProcess)
+        throw Failure(file, "", otherKind(kind, kProcess));
+}
+
 // Refuses a file that holds nothing and is of another kind: the library takes any root element.
 void checkRoot(CatalogKind const& kind, std::string const& file) {
     CTXMLBaseReader reader;
@@ -78,9 +91,7 @@ void checkRoot(CatalogKind const& kind, std::string const& file) {
         }))
         return;
     std::string const root = rootElement(file);
-    throw Failure(file, "",
-                  root.empty() ? fmt::format("holds no {}", kind.content)
-                               : fmt::format("holds a \"{}\" and no {}", root, kind.content));
+    throw Failure(file, "", root.empty() ? fmt::format("holds no {}", kind.content) : otherKind(kind, root));
 }
 
 int show(CatalogKind const& kind, Options options) {
@@ -99,6 +110,7 @@ int show(CatalogKind const& kind, Options options) {
         if (std::string const fault = inputFault(file); !fault.empty())
             throw Failure(file, "", fault);
         checkIsXml(file, file);
+        checkNoProcess(kind, file);
         if (!catalog->read(libraryPath(file)))
             throw Failure(file, "", "cannot be read");
     }

@@ -321,6 +321,10 @@ TEST_F(Catalog, FilesOfAnotherKindAreToldByTheirRoot) {
          {Row{"types", "data types"}, Row{"files", "file types"}, Row{"mime", "MIME types"}, Row{"hints", "hints"},
           Row{"help", "help texts"}, Row{"manifest", "package"}, Row{"favourites", "favourites"}})
         expectFailure({kind, "other.xml"}, std::string("other.xml: holds a \"html\" and no ") + content);
+    scratch.write("process.xml", "<Process Name='p'><PROCESS_VARIABLES/><BLOCK Name='a'/></Process>");
+    for (auto const& [kind, content] : {Row{"types", "data types"}, Row{"files", "file types"},
+                                        Row{"mime", "MIME types"}, Row{"hints", "hints"}, Row{"help", "help texts"}})
+        expectFailure({kind, "process.xml"}, std::string("process.xml: holds a \"Process\" and no ") + content);
     scratch.write("m.mf", "<Manifest Name='n'/>");
     expectFailure({"manifest", "m.mf"}, "m.mf: holds a \"Manifest\" and no package");
 }
