@@ -1,83 +1,30 @@
 #include "host/Digest.h"
 
-#include <fmt/format.h>
-
-#include <algorithm>
-#include <bit>
+#include <glib.h>
 
 namespace flowmere::host {
 
 namespace {
 
-constexpr std::array<std::uint32_t, 64> kRounds{
-    0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
-    0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
-    0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc, 0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da,
-    0x983e5152, 0xa831c66d, 0xb00327c8, 0xbf597fc7, 0xc6e00bf3, 0xd5a79147, 0x06ca6351, 0x14292967,
-    0x27b70a85, 0x2e1b2138, 0x4d2c6dfc, 0x53380d13, 0x650a7354, 0x766a0abb, 0x81c2c92e, 0x92722c85,
-    0xa2bfe8a1, 0xa81a664b, 0xc24b8b70, 0xc76c51a3, 0xd192e819, 0xd6990624, 0xf40e3585, 0x106aa070,
-    0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
-    0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
+GChecksum* checksum(void* sum) {
+    return static_cast<GChecksum*>(sum);
+}
 
 } // namespace
 
-void Digest::add(std::string_view bytes) {
-    m_size += bytes.size();
-    while (!bytes.empty()) {
-        std::size_t const count = std::min(bytes.size(), m_open.size() - m_openSize);
-        std::copy_n(bytes.begin(), count, m_open.begin() + static_cast<std::ptrdiff_t>(m_openSize));
-        m_openSize += count;
-        bytes.remove_prefix(count);
-        if (m_openSize == m_open.size()) {
-            addBlock(m_open.data());
-            m_openSize = 0;
-        }
-    }
+Digest::Digest() : m_sum(::g_checksum_new(G_CHECKSUM_SHA256)) {}
+
+void Digest::End::operator()(void* sum) const {
+    ::g_checksum_free(checksum(sum));
 }
 
-void Digest::addBlock(unsigned char const* bytes) {
-    std::array<std::uint32_t, 64> words{};
-    for (std::size_t index = 0; index < 16; ++index)
-        for (std::size_t byte = 0; byte < 4; ++byte)
-            words[index] = words[index] << 8U | bytes[4 * index + byte];
-    for (std::size_t index = 16; index < words.size(); ++index) {
-        std::uint32_t const early = words[index - 15];
-        std::uint32_t const late = words[index - 2];
-        words[index] = words[index - 16] + words[index - 7] +
-                       (std::rotr(early, 7) ^ std::rotr(early, 18) ^ early >> 3U) +
-                       (std::rotr(late, 17) ^ std::rotr(late, 19) ^ late >> 10U);
-    }
-    auto [a, b, c, d, e, f, g, h] = m_state;
-    for (std::size_t index = 0; index < words.size(); ++index) {
-        std::uint32_t const first = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) + ((e & f) ^ (~e & g)) +
-                                    kRounds[index] + words[index];
-        std::uint32_t const second =
-            (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) + ((a & b) ^ (a & c) ^ (b & c));
-        h = g;
-        g = f;
-        f = e;
-        e = d + first;
-        d = c;
-        c = b;
-        b = a;
-        a = first + second;
-    }
-    std::array<std::uint32_t, 8> const change{a, b, c, d, e, f, g, h};
-    for (std::size_t index = 0; index < change.size(); ++index)
-        m_state[index] += change[index];
+void Digest::add(std::string_view bytes) {
+    ::g_checksum_update(checksum(m_sum.get()), reinterpret_cast<guchar const*>(bytes.data()),
+                        static_cast<gssize>(bytes.size()));
 }
 
 std::string Digest::text() {
-    std::uint64_t const bits = m_size * 8;
-    std::string end(1, '\x80');
-    end.resize((m_openSize < 56 ? 56 : 120) - m_openSize, '\0');
-    for (unsigned shift = 64; shift > 0; shift -= 8)
-        end += static_cast<char>(bits >> (shift - 8) & 0xFFU);
-    add(end);
-    std::string text;
-    for (std::uint32_t const word : m_state)
-        text += fmt::format("{:08x}", word);
-    return text;
+    return ::g_checksum_get_string(checksum(m_sum.get()));
 }
 
 } // namespace flowmere::host

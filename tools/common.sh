@@ -14,7 +14,7 @@ build_packages=(
     build-essential g++ cmake ninja-build ccache pkg-config git
     libxerces-c-dev python3 python3-dev
     libcli11-dev libfmt-dev pybind11-dev nlohmann-json3-dev
-    libcairo2-dev libpango1.0-dev libedit-dev
+    libcairo2-dev libpango1.0-dev libpng-dev libglib2.0-dev libedit-dev
 )
 check_packages=(
     clang-14 clang-format-14 llvm-14 libclang-rt-14-dev
