@@ -3,6 +3,7 @@
 #include "host/Command.h"
 #include "host/Text.h"
 #include "host/drawing/Looks.h"
+#include "host/drawing/Png.h"
 #include "host/drawing/Router.h"
 #include "host/drawing/Signs.h"
 
@@ -507,8 +508,12 @@ std::string paint(Diagram const& diagram, Layout const& layout, bool states, Pic
         Painter(diagram, layout, states, fonts, cairo.get()).paintAll();
         check(cairo_status(cairo.get()));
     }
-    if (format == PictureFormat::Png)
-        check(cairo_surface_write_to_png_stream(surface.get(), append, &bytes));
+    if (format == PictureFormat::Png) {
+        cairo_surface_flush(surface.get());
+        bytes = png(cairo_image_surface_get_data(surface.get()), cairo_image_surface_get_width(surface.get()),
+                    cairo_image_surface_get_height(surface.get()),
+                    static_cast<std::size_t>(cairo_image_surface_get_stride(surface.get())));
+    }
     cairo_surface_finish(surface.get());
     check(cairo_surface_status(surface.get()));
     if (format == PictureFormat::Svg) {
