@@ -4,6 +4,7 @@
 #include "flowmere/model/FCNodeManager.h"
 #include "flowmere/model/NodeKinds.h"
 #include "flowmere/model/ParentChain.h"
+#include "flowmere/model/TreeEpoch.h"
 
 #include <cstddef>
 #include <vector>
@@ -342,6 +343,7 @@ CFCNode::CFCNode(CFCNode const& other)
 
 CFCNode& CFCNode::operator=(CFCNode const& other) {
     ChildIndex::childChanges(*this);
+    ++flowmere::treeEpoch;
     CFCAbstractNode::operator=(other);
     m_nNodeType = other.m_nNodeType;
     m_pChild = other.m_pChild;
@@ -381,6 +383,7 @@ CFCNode& CFCNode::operator=(CFCNode const& other) {
 CFCNode::~CFCNode() {
     ChildIndex::childChanges(*this);
     ChildIndex::drop(*this);
+    ++flowmere::treeEpoch;
     CFCNodeManager::SetNode(m_nNodeHandle, nullptr);
     // An assignment or a new handle leaves the entry behind that this object made itself.
     if (m_nRegisteredHandle != m_nNodeHandle && m_nRegisteredHandle != 0 &&
@@ -448,15 +451,18 @@ IFCNode* CFCNode::GetChildL() {
 
 void CFCNode::SetParentNode(IFCNode* node) {
     ChildIndex::childChanges(*this);
+    flowmere::treeEpoch += m_pParent != nullptr ? 1 : 0;
     m_pParent = node;
 }
 
 void CFCNode::SetChild(IFCNode* node) {
+    ++flowmere::treeEpoch;
     m_pChild = node;
 }
 
 void CFCNode::SetNext(IFCNode* node) {
     ChildIndex::childChanges(*this);
+    flowmere::treeEpoch += m_pParent != nullptr ? 1 : 0;
     m_pNext = node;
 }
 
@@ -509,6 +515,7 @@ wchar_t const* CFCNode::GetNodeCaption() {
 }
 
 void CFCNode::SetNodeCaption(wchar_t const* caption) {
+    flowmere::treeEpoch += m_pParent != nullptr || m_pChild != nullptr ? 1 : 0;
     m_strCaption = caption;
 }
 
@@ -607,6 +614,7 @@ bool CFCNode::AppendChild(IFCNode* child, bool) {
         SetChild(child);
     } else {
         m_pChild = child;
+        ++flowmere::treeEpoch;
     }
     child->SetParentNode(this);
     return true;
@@ -614,6 +622,7 @@ bool CFCNode::AppendChild(IFCNode* child, bool) {
 
 void CFCNode::RemoveLinks() {
     ChildIndex::childChanges(*this);
+    ++flowmere::treeEpoch;
     m_pChild = nullptr;
     m_pParent = nullptr;
     m_pPrev = nullptr;

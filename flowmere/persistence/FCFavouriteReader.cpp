@@ -1,16 +1,18 @@
 #include "flowmere/persistence/FCFavouriteReader.h"
 
-#include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCFolderNodes.h"
 #include "flowmere/model/FCPointerConverter.h"
 #include "flowmere/model/FCProcessNode.h"
+#include "flowmere/model/ParentChain.h"
+#include "flowmere/persistence/CaptionIndex.h"
 #include "flowmere/persistence/InitFailure.h"
 #include "flowmere/xml/XmlElements.h"
 
 #include <xercesc/dom/DOM.hpp>
 
 #include <string_view>
+#include <typeinfo>
 
 namespace {
 
@@ -46,6 +48,13 @@ bool CFCFavouriteReader::Load(xercesc::DOMElement* element, IFCNode* node) {
     if (!element || !node) {
         return false;
     }
+    // A search begins above the node, and may lead into the favourites of the process from anywhere in its tree.
+    flowmere::CaptionIndex index(flowmere::topOf(node));
+    loadChildren(element, node, index);
+    return true;
+}
+
+void CFCFavouriteReader::loadChildren(xercesc::DOMElement* element, IFCNode* node, flowmere::CaptionIndex& index) {
     for (auto* child = flowmere::firstElement(element); child; child = flowmere::nextElement(child)) {
         std::u16string_view const tag = flowmere::tagOf(child);
         IFCNode* folder = nullptr;
@@ -56,32 +65,40 @@ bool CFCFavouriteReader::Load(xercesc::DOMElement* element, IFCNode* node) {
             CFCProcessNode* const process = processOf(node);
             folder = process ? process->GetHistoryNode() : nullptr;
         } else if (tag == u"SUB_GRP") {
-            folder = appendNew(eShapeType_Folder, node);
+            folder = appendNew(node, index);
         } else if (tag == u"CUSTOM_FOLDER") {
-            folder = appendNew(eShapeType_Folder, node);
+            folder = appendNew(node, index);
             if (folder) {
                 folder->SetNodeType(eShapeType_CustomFolder);
             }
         } else if (tag == u"DOCUMENT") {
-            loadDocument(child, node);
+            loadDocument(child, node, index);
         }
         if (folder) {
-            LoadPropertiesLite(child, folder);
-            Load(child, folder);
+            loadFolder(child, folder, index);
+            loadChildren(child, folder, index);
         }
     }
-    return true;
 }
 
-IFCNode* CFCFavouriteReader::appendNew(int type, IFCNode* parent) {
-    IFCNode* const node = Create(type);
+void CFCFavouriteReader::loadFolder(xercesc::DOMElement* element, IFCNode* folder, flowmere::CaptionIndex& index) {
+    if (typeid(*this) == typeid(CFCFavouriteReader)) {
+        index.change(folder, [&] { LoadPropertiesLite(element, folder); });
+    } else {
+        // A host's own step may change anything.
+        LoadPropertiesLite(element, folder);
+    }
+}
+
+IFCNode* CFCFavouriteReader::appendNew(IFCNode* parent, flowmere::CaptionIndex& index) {
+    IFCNode* const node = Create(eShapeType_Folder);
     if (node) {
-        parent->AppendChild(node, false);
+        index.append(parent, node);
     }
     return node;
 }
 
-void CFCFavouriteReader::loadDocument(xercesc::DOMElement* element, IFCNode* node) {
+void CFCFavouriteReader::loadDocument(xercesc::DOMElement* element, IFCNode* node, flowmere::CaptionIndex& index) {
     flowmere::AttributeRow const attributes(element, kAttributes);
     bool isOpened = false;
     attributes.flag(kOpened, isOpened);
@@ -101,8 +118,8 @@ void CFCFavouriteReader::loadDocument(xercesc::DOMElement* element, IFCNode* nod
     TuString folderName;
     GetAttribute(dynamic_cast<xercesc::DOMElement*>(element->getParentNode()), L"Name", folderName);
     // The search begins one level up, so a folder of the same name beside this one may win.
-    if (IFCNode* const folder = CFCNodeHelper::FindNodeByCaption(folderName, node->GetParentNode())) {
-        folder->AppendChild(made, false);
+    if (IFCNode* const folder = index.find(folderName, node->GetParentNode())) {
+        index.append(folder, made);
     }
 }
 

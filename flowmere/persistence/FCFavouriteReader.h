@@ -3,6 +3,10 @@
 #include "flowmere/Export.h"
 #include "flowmere/persistence/FCReader.h"
 
+namespace flowmere {
+class CaptionIndex;
+}
+
 // Reads the favourites of a user: folders of documents, and the documents opened last.
 class FLOWMERE_API CFCFavouriteReader : public CFCReader {
 public:
@@ -23,6 +27,8 @@ public:
     void LoadPropertiesLite(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node) override;
 
 private:
-    IFCNode* appendNew(int type, IFCNode* parent);
-    void loadDocument(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node);
+    void loadChildren(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, flowmere::CaptionIndex& index);
+    void loadFolder(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* folder, flowmere::CaptionIndex& index);
+    void loadDocument(XERCES_CPP_NAMESPACE::DOMElement* element, IFCNode* node, flowmere::CaptionIndex& index);
+    IFCNode* appendNew(IFCNode* parent, flowmere::CaptionIndex& index);
 };

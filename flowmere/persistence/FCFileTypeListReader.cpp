@@ -1,8 +1,8 @@
 #include "flowmere/persistence/FCFileTypeListReader.h"
 
-#include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
 #include "flowmere/model/FCEnumTranslator.h"
+#include "flowmere/persistence/CaptionIndex.h"
 #include "flowmere/xml/XmlElements.h"
 
 #include <xercesc/dom/DOM.hpp>
@@ -35,29 +35,34 @@ bool CFCFileTypeListReader::Load(xercesc::DOMElement* element, CFCDataTypeNode* 
     if (!element || !root) {
         return false;
     }
+    flowmere::CaptionIndex index(root);
     for (auto* child = flowmere::firstElement(element); child; child = flowmere::nextElement(child)) {
         if (flowmere::tagOf(child) != u"FILETYPE") {
             continue;
         }
         TuString name;
         GetAttribute(child, L"name", name);
-        IFCNode* const known = CFCNodeHelper::FindNodeByCaption(name, root);
+        IFCNode* const known = index.find(name, root);
         IFCNode* const node = known ? known : Create(eShapeType_FileType);
         if (!node) {
             continue;
         }
-        node->SetNodeCaption(L"File");
-        TuString const rootId(root->GetNodeId());
-        node->SetNodeId(rootId);
+        index.change(node, [node, root] {
+            node->SetNodeCaption(L"File");
+            TuString const rootId(root->GetNodeId());
+            node->SetNodeId(rootId);
+        });
         if (!known) {
-            root->AppendChild(node, false);
+            index.append(root, node);
         }
-        if (auto* const fileType = dynamic_cast<CFCFileTypeNode*>(node)) {
-            LoadPropertiesLite(child, fileType);
-        } else {
-            // A type named like its group, or a node of the host's: it keeps its name and has no fields to fill.
-            node->SetNodeCaption(name);
-        }
+        index.change(node, [this, child, node, &name] {
+            if (auto* const fileType = dynamic_cast<CFCFileTypeNode*>(node)) {
+                LoadPropertiesLite(child, fileType);
+            } else {
+                // A type named like its group, or a node of the host's: it keeps its name and has no fields to fill.
+                node->SetNodeCaption(name);
+            }
+        });
     }
     return true;
 }
