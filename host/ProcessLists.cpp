@@ -100,10 +100,10 @@ private:
     void addEntry(IFCNode& entry, std::wstring const& key, std::string const& path) {
         auto const [place, isNew] = m_places.try_emplace(key, &entry);
         IFCNode& there = *place->second;
-        if (!isNew && isProcess(entry) != isProcess(there)) {
+        if (!isNew && entry.GetNodeType() != there.GetNodeType()) {
             m_clashes.push_back(&entry);
-            m_leftOut.push_back({path, isProcess(there) ? "the group is left out, a process has this name"
-                                                        : "the process is left out, a group has this name"});
+            m_leftOut.push_back(
+                {path, fmt::format("the {} is left out, a {} has this name", kindOf(entry), kindOf(there))});
             return;
         }
         m_met.insert(&there);
@@ -175,6 +175,19 @@ void addEntries(std::vector<ListEntry>& entries, IFCNode& node, std::string cons
     }
 }
 
+void findCode(std::vector<IFCNode*>& code, std::vector<LeftOut>& leftOut, IFCNode& node, std::string const& path) {
+    std::vector<IFCNode*> const children = childrenOf(node);
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+        std::string const place = pathBelow(path, **child);
+        if ((*child)->GetNodeType() != eShapeType_Code) {
+            findCode(code, leftOut, **child, place);
+            continue;
+        }
+        code.push_back(*child);
+        leftOut.push_back({place, "the code is left out, since a list that is saved holds none"});
+    }
+}
+
 void checkIsList(std::string const& file) {
     if (std::string const fault = inputFault(file); !fault.empty())
         throw Failure(file, "", fault);
@@ -196,6 +209,10 @@ bool isProcess(IFCNode& node) {
 
 bool isGroup(IFCNode& node) {
     return node.GetNodeType() == eShapeType_Folder;
+}
+
+char const* kindOf(IFCNode& node) {
+    return isProcess(node) ? "process" : isGroup(node) ? "group" : "code";
 }
 
 ListFolders::ListFolders(std::string const& base, std::string const& user, bool bpm)
@@ -275,6 +292,15 @@ void writeList(SafeFile const& file, std::string const& name, CFCProcessList& li
         throw Failure(name, "", "cannot be written: a process list does not keep its name");
     if (auto const loss = firstLoss(list, *written, {}))
         throw Failure(name, *loss, "cannot be written: a process list does not keep it");
+}
+
+std::vector<LeftOut> takeOutCode(CFCProcessList& list) {
+    std::vector<IFCNode*> code;
+    std::vector<LeftOut> leftOut;
+    findCode(code, leftOut, list, {});
+    for (IFCNode* const node : code)
+        CFCNodeHelper::DestroyTree(node);
+    return leftOut;
 }
 
 Merged mergeLists(CFCProcessList& into, CFCProcessList& from) {

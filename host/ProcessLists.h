@@ -82,6 +82,9 @@ struct Merged {
     std::size_t outdated = 0;                     // of these, those of which the second list has a higher version
 };
 
+// Takes the code out of a list, with all below it, and tells what it was: no writer keeps it.
+std::vector<LeftOut> takeOutCode(CFCProcessList& list);
+
 // Takes copies of the entries of one list into another, in time in proportion to both. An entry that would meet one of
 // another kind is taken out of `from` first, so that it does no harm there.
 Merged mergeLists(CFCProcessList& into, CFCProcessList& from);
@@ -99,5 +102,7 @@ std::vector<ListEntry> entriesOf(CFCProcessList& list);
 
 bool isProcess(IFCNode& node);
 bool isGroup(IFCNode& node);
+// "process", "group" or "code".
+char const* kindOf(IFCNode& node);
 
 } // namespace flowmere::host

@@ -46,10 +46,6 @@ char const* nameOf(Origin origin) {
     return origin == Origin::Common ? "common" : origin == Origin::User ? "user" : "both";
 }
 
-std::string kindOf(IFCNode& node) {
-    return isProcess(node) ? "process" : isGroup(node) ? "group" : "code";
-}
-
 // The shortest decimal number that is this version.
 std::string versionOf(IFCNode& node) {
     return fmt::format("{}", node.GetVersionNo());
@@ -338,7 +334,16 @@ struct NewProcess {
     EProjectType type = EProjectType_BPT;
 };
 
-NewProcess readProcess(std::string const& file) {
+// Whether a process has neither variables nor blocks.
+bool isBare(IFCNode& process) {
+    for (IFCNode* child = process.GetChild(); child != nullptr; child = child->GetNext())
+        if (child->GetNodeType() != eShapeType_Favourites && child->GetNodeType() != eShapeType_History)
+            return false;
+    CFCVariableList* const variables = process.GetVariableList();
+    return variables == nullptr || variables->GetHeadPosition() == nullptr;
+}
+
+NewProcess readProcess(std::string const& file, bool bpm) {
     if (std::string const fault = inputFault(file); !fault.empty())
         throw Failure(file, "", fault);
     CFCNodeFactory factory;
@@ -350,10 +355,18 @@ NewProcess readProcess(std::string const& file) {
     NewProcess process;
     process.name = utf8(root->GetNodeCaption());
     process.type = root->GetProjectType();
+    bool const isEmpty = isBare(*root);
     CFCNodeHelper::DestroyTree(root);
+    std::string const element = rootElement(file);
+    if (element == "Processes" || element == "PROCESS_LST")
+        throw Failure(file, "", "is a process list, no process document");
+    // Documents of BPM processes have elements of their own, which are not looked into.
+    if (!bpm && isEmpty && !element.empty() && element != "Process" && element != "PROCESS")
+        throw Failure(file, "", "is no process document: it holds a \"" + element + "\" and no blocks");
     // A document without a name, for which writer and reader have one of their own, is called after its file, or after
     // its folder where all files are called the same.
-    if (process.name.empty() || process.name == "Process" || process.name == "Block Library") {
+    if (process.name.empty() || process.name == "Process" || process.name == "ProcessRoot" ||
+        process.name == "Block Library") {
         fs::path const path = fs::absolute(file).lexically_normal();
         process.name = path.stem() == "processdefinition" && path.parent_path().has_filename()
                            ? path.parent_path().filename().string()
@@ -435,17 +448,17 @@ void checkRoom(std::string const& file, CFCProcessList& list, std::vector<std::s
     path += (path.empty() ? "" : ".") + name;
     if (IFCNode* const there = CFCNodeHelper::FindNodeFromCurrentParent(place, wide(name)))
         throw Failure(file, path,
-                      isProcess(*there)
-                          ? "there is a process of this name, of the file " + utf8(there->GetItemFilePath()) +
-                                "; give the new one another --name"
-                          : "there is a " + kindOf(*there) + " of this name; give the process another --name");
+                      isProcess(*there) ? "there is a process of this name, of the file " +
+                                              utf8(there->GetItemFilePath()) + "; give the new one another --name"
+                                        : std::string("there is a ") + kindOf(*there) +
+                                              " of this name; give the process another --name");
 }
 
 int add(Options const& options) {
     if (options.user.empty())
         throw Failure("", "", "new entries go to the user's list: --user DIR says where that is");
     ListFolders const folders(options.base, options.user, options.bpm);
-    NewProcess process = readProcess(options.file);
+    NewProcess process = readProcess(options.file, options.bpm);
     if (!options.name.empty())
         process.name = options.name;
     std::vector<std::string> const groups = groupsOf(options.group);
@@ -457,11 +470,13 @@ int add(Options const& options) {
     // A user's folder that is the common one has one list for both.
     ListTree const list = folders.hasUser() ? folders.readUser() : folders.readCommon();
     checkRoom(target, *list, groups, process.name);
+    std::vector<LeftOut> const leftOut = takeOutCode(*list);
     TuString const listed = listedPath(options.file, folders.user());
     ListTree const entered = listOf(process, groups, listed, options.bpm);
     CFCNodeHelper::Consolidate(list.get(), entered->GetChild());
     writeList(file, target, *list, options.bpm);
     file.commit();
+    tell(target, leftOut);
     std::string const path = (options.group.empty() ? "" : options.group + ".") + process.name;
     if (options.json)
         printOut(jsonText({{"list", target}, {"path", path}, {"name", process.name}, {"file", utf8(listed)}}));
@@ -490,15 +505,21 @@ int merge(Options const& options) {
     std::string const secondName = isByFolder ? folders.userFile() : options.lists[1];
     ListTree const first = isByFolder ? folders.readCommon() : readList(firstName, folderOf(firstName), options.bpm);
     ListTree const second = isByFolder ? folders.readUser() : readList(secondName, folderOf(secondName), options.bpm);
+    // Code goes first: what met it would go with it.
+    std::vector<LeftOut> const firstLeftOut = takeOutCode(*first);
+    std::vector<LeftOut> secondLeftOut = takeOutCode(*second);
     Merged const merged = mergeLists(*first, *second);
+    secondLeftOut.insert(secondLeftOut.end(), merged.leftOut.begin(), merged.leftOut.end());
     writeList(file, options.out, *first, options.bpm);
     file.commit();
-    tell(secondName, merged.leftOut);
+    tell(firstName, firstLeftOut);
+    tell(secondName, secondLeftOut);
     Counts const counts = countsOf(entriesOf(*first));
     if (options.json) {
         Json leftOut = Json::array();
-        for (LeftOut const& entry : merged.leftOut)
-            leftOut.push_back({{"path", entry.path}, {"cause", entry.cause}});
+        for (std::vector<LeftOut> const& entries : {firstLeftOut, secondLeftOut})
+            for (LeftOut const& entry : entries)
+                leftOut.push_back({{"path", entry.path}, {"cause", entry.cause}});
         printOut(jsonText({{"list", options.out},
                            {"groups", counts.groups},
                            {"processes", counts.processes},

@@ -367,12 +367,75 @@ TEST_F(Library, AProcessIsCalledAsItCallsItself) {
     };
     for (Row const& row :
          {Row{"own/a.bpt", "<Process Name='Named'/>", "Named"}, Row{"own/b.bpt", "<Process Name='Process'/>", "b"},
-          Row{"own/c.d.bpt", "<Process Name=''/>", "c.d"}, Row{"own/e/processdefinition.xml", "<p Name='f'/>", "f"},
-          Row{"own/g/processdefinition.xml", "<p/>", "g"}}) {
-        fs::remove(scratch / "own/process.lst");
+          Row{"own/c.d.bpt", "<Process Name=''/>", "c.d"},
+          Row{"own/h.bpt", "<Process><BLOCK Name='b'/></Process>", "h"},
+          Row{"own/e/processdefinition.xml", "<p Name='f'/>", "f"}, Row{"own/g/processdefinition.xml", "<p/>", "g"},
+          Row{"own/i/processdefinition.xml", "<p><q/></p>", "i"}}) {
+        fs::remove(scratch / "own/BPMProcess.lst");
         scratch.write(row.file, row.document);
-        EXPECT_EQ(Json::parse(told({"add", row.file, "--user", "own", "--json"}))["name"], row.name) << row.file;
+        EXPECT_EQ(Json::parse(told({"add", row.file, "--bpm", "--user", "own", "--json"}))["name"], row.name)
+            << row.file;
     }
+}
+
+TEST_F(Library, WhatIsNoProcessIsNotEntered) {
+    std::string const before = scratch.read("own/process.lst");
+    scratch.write("page.html", "<html><body/></html>");
+    EXPECT_EQ(refusal({"add", "page.html", "--user", "own"}),
+              "flowmere: page.html: is no process document: it holds a \"html\" and no blocks\n");
+    for (char const* root : {"Processes", "PROCESS_LST"}) {
+        std::string const name(root);
+        scratch.write("list.xml", "<" + name + "><PROCESS Name='a'/></" + name + ">");
+        for (Words const& kind : {Words{}, Words{"--bpm"}})
+            EXPECT_EQ(refusal(with({"add", "list.xml", "--user", "own"}, kind)),
+                      "flowmere: list.xml: is a process list, no process document\n");
+    }
+    EXPECT_EQ(scratch.read("own/process.lst"), before);
+    scratch.write("other.xml", "<Other Name='A'><BLOCK Name='b'/></Other>");
+    told({"add", "other.xml", "--user", "own"});
+}
+
+TEST_F(Library, CodeInAListIsToldBeforeItGoes) {
+    scratch.write("own/process.lst", listOf("<SUB_GRP Name='g'><CODE Name='c'>x<PROCESS Name='in'/></CODE></SUB_GRP>"
+                                            "<CODE Name='d'/><PROCESS Name='p'/>"));
+    scratch.write("a.bpt", "<Process Name='A'/>");
+    ProgramRun const added = run({"add", "a.bpt", "--user", "own"});
+    EXPECT_EQ(added.exitCode, 0);
+    EXPECT_EQ(added.err, "flowmere: own/process.lst: g.c: the code is left out, since a list that is saved holds none\n"
+                         "flowmere: own/process.lst: d: the code is left out, since a list that is saved holds none\n");
+    EXPECT_THAT(told({"list", "--user", "own"}), testing::StartsWith("\"Processes\": 1 group, 2 processes\n"));
+}
+
+TEST_F(Library, NothingGoesWithCodeOfItsName) {
+    scratch.write("code.lst", listOf("<CODE Name='g'>x</CODE><CODE Name='p'/>"));
+    scratch.write("group.lst", listOf("<SUB_GRP Name='g'><PROCESS Name='a'/></SUB_GRP><PROCESS Name='p'/>"));
+    for (Words const& lists : {Words{"code.lst", "group.lst"}, Words{"group.lst", "code.lst"}}) {
+        ProgramRun const merged = run(with({"merge", "-o", "o.lst", "--json"}, lists));
+        EXPECT_EQ(merged.err, "flowmere: code.lst: g: the code is left out, since a list that is saved holds none\n"
+                              "flowmere: code.lst: p: the code is left out, since a list that is saved holds none\n");
+        Json const told = Json::parse(merged.out);
+        EXPECT_EQ(told["processes"], 2);
+        EXPECT_EQ(told["leftOut"].size(), 2U);
+        EXPECT_EQ(told["leftOut"][0]["path"], "g");
+        ListTree const list = readList((scratch / "o.lst").string(), scratch.path(), false);
+        EXPECT_NE(CFCNodeHelper::FindNodeByCaption(L"a", list.get()), nullptr);
+        EXPECT_NE(CFCNodeHelper::FindNodeByCaption(L"p", list.get()), nullptr);
+    }
+}
+
+TEST_F(Library, EntriesOfDifferentKindsAreNotShownAsOne) {
+    scratch.write("common/process.lst", listOf("<CODE Name='x'/><CODE Name='y'/><SUB_GRP Name='z'/>"));
+    scratch.write("own/process.lst", listOf("<SUB_GRP Name='x'><PROCESS Name='in'/></SUB_GRP><PROCESS Name='y'/>"
+                                            "<CODE Name='z'/>"));
+    ProgramRun const shown = run(both({"list"}));
+    EXPECT_EQ(shown.exitCode, 0);
+    EXPECT_EQ(shown.err, "flowmere: own/process.lst: x: the group is left out, a code has this name\n"
+                         "flowmere: own/process.lst: y: the process is left out, a code has this name\n"
+                         "flowmere: own/process.lst: z: the code is left out, a group has this name\n");
+    EXPECT_EQ(shown.out, "\"Processes\": 1 group, 0 processes\n"
+                         "  x: code, common\n"
+                         "  y: code, common\n"
+                         "  z: group, common\n");
 }
 
 TEST_F(Library, AFileOutsideTheUsersFolderIsEnteredAsAWhole) {
@@ -451,7 +514,7 @@ TEST_F(Library, EnteringNeedsAUsersFolder) {
 
 TEST_F(Library, TheCommonListIsWrittenOnlyForAUserThatHasNoOther) {
     scratch.write("a.bpt", "<Process Name='A'/>");
-    EXPECT_THAT(told({"add", "a.bpt", "--base", "common", "--user", "common"}),
+    EXPECT_THAT(run({"add", "a.bpt", "--base", "common", "--user", "common"}).out,
                 HasSubstr("added to common/process.lst"));
     EXPECT_THAT(told({"list", "--base", "common"}), HasSubstr("\n  A: "));
     EXPECT_THAT(refusal({"add", "a.bpt", "--base", "common", "--user", "common"}), HasSubstr("another --name"));
@@ -570,8 +633,11 @@ TEST_F(Hindered, AListThatMayNotBeWrittenStaysAsItIs) {
 // --- merge ---------------------------------------------------------------------------------------------------------
 
 TEST_F(Library, MergesTwoLists) {
-    EXPECT_EQ(told({"merge", "common/process.lst", "own/process.lst", "-o", "all.lst"}),
-              "all.lst: 4 groups, 7 processes; 3 from own/process.lst alone, 1 in both\n");
+    ProgramRun const merged = run({"merge", "common/process.lst", "own/process.lst", "-o", "all.lst"});
+    EXPECT_EQ(merged.exitCode, 0);
+    EXPECT_EQ(merged.out, "all.lst: 4 groups, 7 processes; 3 from own/process.lst alone, 1 in both\n");
+    EXPECT_EQ(merged.err, "flowmere: common/process.lst: Design.Sketch: the code is left out, since a list that is "
+                          "saved holds none\n");
     expectGolden("host/library/expected/merged.lst", scratch.read("all.lst"));
     ProgramRun const byFolder = run(both({"merge", "-o", "other.lst"}));
     EXPECT_EQ(byFolder.out, "other.lst: 4 groups, 7 processes; 3 from own/process.lst alone, 1 in both\n");
