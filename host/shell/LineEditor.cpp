@@ -131,7 +131,8 @@ public:
         ::el_set(m_editor, EL_GETCFN, readCharacter);
         ::el_set(m_editor, EL_EDITOR, "emacs");
         ::el_set(m_editor, EL_HIST, ::history, m_lines);
-        ::el_set(m_editor, EL_ADDFN, "flowmere-complete", "Complete what stands before the cursor", onComplete);
+        // Of narrow texts the library would keep copies for good.
+        ::el_wset(m_editor, EL_ADDFN, L"flowmere-complete", L"Complete what stands before the cursor", onComplete);
         ::el_set(m_editor, EL_BIND, "^I", "flowmere-complete", nullptr);
         ::el_set(m_editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
         ::el_source(m_editor, nullptr);
@@ -189,7 +190,7 @@ private:
 
     static char* promptOf(EditLine* editor) { return of(editor).m_prompt.data(); }
 
-    static unsigned char onComplete(EditLine* editor, int) { return of(editor).complete(); }
+    static unsigned char onComplete(EditLine* editor, wint_t) { return of(editor).complete(); }
 
     unsigned char complete() {
         LineInfo const* const info = ::el_line(m_editor);

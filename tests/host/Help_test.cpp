@@ -331,7 +331,8 @@ TEST(ManPages, AreThereForEachCommandAndGoThroughTheFormatter) {
 }
 
 TEST(ManPages, TellEveryOption) {
-    for (Json const& command : helpOfProgram()["commands"]) {
+    Json const program = helpOfProgram();
+    for (Json const& command : program["commands"]) {
         std::string const line = command["command"];
         ProgramRun const run = runProgram({"man", line.substr(line.find(' ') + 1)});
         EXPECT_EQ(run.exitCode, 0);
