@@ -429,10 +429,15 @@ TEST(PrintedOutput, IsNotLostWhenTheScriptEndsTheProgram) {
         study.document(process(block("A")));
         ProgramRun const run = study.run();
         EXPECT_EQ(run.exitCode, row.exitCode) << row.end;
-        // The error comes between what stands on one line before and after it.
-        EXPECT_EQ(run.out == "  A | line\n  A | no end bytes c code \n  A | " + std::string(100000, 'x') +
-                                 (row.exitCode == 6 ? "\n  A | another\n" : ""),
-                  true)
+        // The error comes between what stands on one line before and after it. What the system says of an abort may
+        // divide the long line once more.
+        std::string out = run.out;
+        std::string const start = "  A | line\n  A | no end bytes c code \n  A | ";
+        EXPECT_THAT(out.substr(0, start.size()), start) << row.end;
+        std::string const divide = "\n  A | ";
+        for (std::size_t at = 0; (at = out.find(divide, start.size())) != std::string::npos;)
+            out.erase(at, divide.size());
+        EXPECT_EQ(out == start + std::string(100000, 'x') + (row.exitCode == 6 ? "another\n" : ""), true)
             << row.end << run.out.substr(0, 200) << run.out.size();
         EXPECT_THAT(run.err, StartsWith("  A ! error\n")) << row.end;
     }
