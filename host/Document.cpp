@@ -2,6 +2,7 @@
 
 #include "host/Command.h"
 #include "host/HostFactory.h"
+#include "host/InputFile.h"
 #include "host/ReadBack.h"
 #include "host/SafeFile.h"
 #include "host/Text.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -26,30 +26,6 @@ namespace {
 
 // Links from file to file are followed to this depth, which no document made by hand comes near.
 constexpr int kLinkDepth = 32;
-
-// Why a path cannot be opened as a document; empty when it can.
-std::string readingFault(fs::path const& path) {
-    std::error_code error;
-    fs::file_status const status = fs::status(path, error);
-    if (status.type() == fs::file_type::not_found)
-        return "there is no such file";
-    if (error)
-        return "cannot be read: " + error.message();
-    if (status.type() == fs::file_type::directory)
-        return "is a folder";
-    if (status.type() != fs::file_type::regular)
-        return "is no regular file";
-    errno = 0;
-    std::ifstream const stream(path, std::ios::binary);
-    if (!stream)
-        return std::string("cannot be read: ") + std::strerror(errno);
-    if (fs::file_size(path, error) == 0 && !error)
-        return "is empty";
-    // The library takes each backslash for the end of a folder.
-    if (fs::absolute(path).string().find('\\') != std::string::npos)
-        return "cannot be read: its path holds a backslash";
-    return {};
-}
 
 struct TreeDeleter {
     void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
@@ -182,7 +158,7 @@ std::string pathOf(IFCNode& node) {
 Document::Document(std::string const& file, std::vector<std::string> const& scriptRoots) : m_file(file) {
     if (file.empty())
         throw Failure("", "", "the name of the document is empty");
-    if (std::string const fault = readingFault(file); !fault.empty())
+    if (std::string const fault = inputFault(file); !fault.empty())
         throw Failure(file, "", fault);
     m_startFolder = fs::current_path();
     m_path = fs::absolute(file).lexically_normal();

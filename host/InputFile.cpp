@@ -9,7 +9,7 @@ namespace flowmere::host {
 
 namespace fs = std::filesystem;
 
-std::string inputFault(fs::path const& file) {
+std::string fileFault(fs::path const& file) {
     std::error_code error;
     fs::file_status const status = fs::status(file, error);
     if (status.type() == fs::file_type::not_found)
@@ -25,6 +25,12 @@ std::string inputFault(fs::path const& file) {
         return std::string("cannot be read: ") + std::strerror(errno);
     if (fs::file_size(file, error) == 0 && !error)
         return "is empty";
+    return {};
+}
+
+std::string inputFault(fs::path const& file) {
+    if (std::string fault = fileFault(file); !fault.empty())
+        return fault;
     // The library takes each backslash for the end of a folder.
     if (fs::absolute(file).string().find('\\') != std::string::npos)
         return "cannot be read: its path holds a backslash";

@@ -1,5 +1,6 @@
 #include "host/commands/Format.h"
 
+#include "host/InputFile.h"
 #include "host/SafeFile.h"
 #include "host/Text.h"
 #include "host/WorkFolder.h"
@@ -10,8 +11,6 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -29,25 +28,6 @@ struct Options {
     std::string file;
     bool json = false;
 };
-
-std::string readingFault(fs::path const& file) {
-    std::error_code error;
-    fs::file_status const status = fs::status(file, error);
-    if (status.type() == fs::file_type::not_found)
-        return "there is no such file";
-    if (error)
-        return "cannot be read: " + error.message();
-    if (status.type() == fs::file_type::directory)
-        return "is a folder";
-    if (status.type() != fs::file_type::regular)
-        return "is no regular file";
-    errno = 0;
-    if (!std::ifstream(file, std::ios::binary))
-        return std::string("cannot be read: ") + std::strerror(errno);
-    if (fs::file_size(file, error) == 0 && !error)
-        return "is empty";
-    return {};
-}
 
 std::string contentOf(fs::path const& file) {
     std::ifstream in(file, std::ios::binary);
@@ -69,7 +49,7 @@ fs::path targetOf(fs::path const& file) {
 int format(Options const& options) {
     if (options.file.empty())
         throw Failure("", "", "the name of the file is empty");
-    if (std::string const fault = readingFault(options.file); !fault.empty())
+    if (std::string const fault = fileFault(options.file); !fault.empty())
         throw Failure(options.file, "", fault);
     fs::path const target = targetOf(options.file);
     auto const fail = [&](std::string const& cause) {

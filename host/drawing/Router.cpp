@@ -11,7 +11,7 @@ namespace flowmere::host::drawing {
 
 namespace {
 
-constexpr double kStub = 20;      // so far a line goes straight on from its grip
+constexpr double kLead = 20;      // so far a line goes straight on from its grip
 constexpr double kMargin = 7;     // nearer to a block looks as if it belonged to it
 constexpr double kTrack = 9;      // between lines side by side
 constexpr double kBend = 25;      // a bend less is worth such a detour
@@ -217,9 +217,9 @@ void Router::keep(std::vector<Point> const& line, End const& start, End const& e
     }
 }
 
-// How far one can go, up to a little more than a stub needs.
+// How far one can go, up to a little more than a lead needs.
 double Router::freeLength(Point const& from, Direction direction, std::size_t block) const {
-    double length = 2 * kStub;
+    double length = 2 * kLead;
     Rect const area = Rect::of(from, moved(from, direction, length));
     m_blocks.visit(area, [&](std::size_t number) {
         Rect const& other = m_blocks[number];
@@ -259,7 +259,7 @@ double Router::blockedUntil(bool isUpright, double at, double from, double to, b
 }
 
 // Where the line may turn first and last. Ends that face each other share the room between them.
-void Router::setStubs(Job& job) const {
+void Router::setLeads(Job& job) const {
     double first = freeLength(job.from, job.leaving, job.start.block) / 2;
     double last = freeLength(job.to, job.arriving, job.end.block) / 2;
     if (job.leaving == opposite(job.arriving)) {
@@ -272,8 +272,8 @@ void Router::setStubs(Job& job) const {
             last = std::min(last, between / 2);
         }
     }
-    job.first = moved(job.from, job.leaving, std::min(kStub, first));
-    job.last = moved(job.to, job.arriving, std::min(kStub, last));
+    job.first = moved(job.from, job.leaving, std::min(kLead, first));
+    job.last = moved(job.to, job.arriving, std::min(kLead, last));
 }
 
 void Router::addWay(Job& job, std::vector<Point> const& middle) const {
@@ -414,10 +414,10 @@ std::vector<Point> Router::route(End const& start, End const& end) {
         // Out, once around, and back the way it came.
         Direction const out = directionsOf(start.grip).front();
         auto const aside = static_cast<Direction>((static_cast<int>(out) + 1) % 4);
-        double const stub = std::min(kStub, freeLength(job.from, out, start.block) / 3);
-        Point const near = moved(job.from, out, stub);
-        Point const far = moved(near, out, stub);
-        job.best = {job.from, far, moved(far, aside, kStub), moved(near, aside, kStub), near, job.to};
+        double const lead = std::min(kLead, freeLength(job.from, out, start.block) / 3);
+        Point const near = moved(job.from, out, lead);
+        Point const far = moved(near, out, lead);
+        job.best = {job.from, far, moved(far, aside, kLead), moved(near, aside, kLead), near, job.to};
         keep(job.best, start, end);
         return job.best;
     }
@@ -428,7 +428,7 @@ std::vector<Point> Router::route(End const& start, End const& end) {
             for (Direction const arriving : directionsOf(end.grip)) {
                 job.leaving = leaving;
                 job.arriving = arriving;
-                setStubs(job);
+                setLeads(job);
                 if (!isThorough) {
                     std::vector<Point> straight = simplified({job.from, job.to});
                     bool const isAligned =
@@ -470,7 +470,7 @@ std::vector<Point> Router::route(End const& start, End const& end) {
 bool Router::search(Job& job) {
     job.leaving = job.best.empty() ? directionsOf(job.start.grip).front() : job.bestLeaving;
     job.arriving = job.best.empty() ? directionsOf(job.end.grip).front() : job.bestArriving;
-    setStubs(job);
+    setLeads(job);
     Rect const window =
         Rect::of(job.first, job.last).united(m_blocks[job.start.block]).united(m_blocks[job.end.block]).inflated(150);
     std::vector<Rect> around;

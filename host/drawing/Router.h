@@ -48,7 +48,7 @@ private:
     struct Job;
 
     double freeLength(Point const& from, Direction direction, std::size_t block) const;
-    void setStubs(Job& job) const;
+    void setLeads(Job& job) const;
     double blockedUntil(bool isUpright, double at, double from, double to, bool isForward) const;
     void addChannels(Job& job, bool isUpright) const;
     void addTracks(Job& job, bool isUpright, double at, bool isWide) const;
