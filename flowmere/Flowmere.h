@@ -15,6 +15,7 @@
 
 #include "flowmere/model/FCActionData.h"
 #include "flowmere/model/FCApplicationData.h"
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockData.h"
 #include "flowmere/model/FCBlockNode.h"
@@ -41,6 +42,7 @@
 #include "flowmere/xml/TXMLFilerUseful.h"
 
 #include "flowmere/persistence/FCAPIHelpReader.h"
+#include "flowmere/persistence/FCApplicationWriter.h"
 #include "flowmere/persistence/FCDataTypeListReader.h"
 #include "flowmere/persistence/FCDataTypeListWriter.h"
 #include "flowmere/persistence/FCFavouriteReader.h"
@@ -55,6 +57,9 @@
 #include "flowmere/persistence/FCProcessListWriter.h"
 #include "flowmere/persistence/FCReader.h"
 #include "flowmere/persistence/FCWriter.h"
+
+#include "flowmere/workflow/FCGPDReader.h"
+#include "flowmere/workflow/FCGPDWriter.h"
 
 #include "flowmere/execution/FCCommand.h"
 #include "flowmere/execution/FCExecutionMechanism.h"
