@@ -15,6 +15,7 @@
 #include "flowmere/model/FCVariableData.h"
 #include "flowmere/model/NodeKinds.h"
 #include "flowmere/persistence/CatalogAbsence.h"
+#include "flowmere/persistence/ShapeElements.h"
 #include "flowmere/xml/XmlElements.h"
 #include "flowmere/xml/XmlPlatform.h"
 
@@ -49,7 +50,6 @@ constexpr int kLastWorkflow = 167;
 
 constexpr int kPageHeight = 1300;
 constexpr double kOldPageInches = 12.0; // the page of connectors without a version
-constexpr unsigned int kOldFill = 0xFFDFC6;
 constexpr int kOldStartHandle = 6;
 constexpr int kOldEndHandle = 2;
 
@@ -241,55 +241,6 @@ void loadScript(DOMElement* element, CFCBlockData* block) {
     block->SetCOMInteface(textOf(row.view(2)));
     block->SetCOMCommand(textOf(row.view(3)));
     block->SetExecuteMethod(textOf(row.view(4)));
-}
-
-// Without a version the switches are cleared and the fill is fixed, whatever the element says.
-void forceBorderBeforeVersion1(CFCBlockData* block) {
-    block->Visible = false;
-    block->DrawBorder = false;
-    block->ColorFill = kOldFill;
-}
-
-void loadBorder(DOMElement* element, CFCBlockData* block) {
-    static constexpr AttributeTable kNames(u"LineThickness", u"LinePenType", u"Visible", u"DrawBorder", u"FillColor",
-                                           u"ColorLine", u"ColorFill", u"Version");
-    if (block == nullptr)
-        return;
-    AttributeRow const row(element, kNames);
-    int version = 0;
-    row.integer(0, block->LineThickness);
-    row.integer(1, block->LinePenType);
-    row.flag(2, block->Visible);
-    row.flag(3, block->DrawBorder);
-    row.flag(4, block->FillColor);
-    row.color(5, block->ColorLine);
-    row.color(6, block->ColorFill);
-    row.integer(7, version);
-    block->BorderSet = true;
-    if (version == 0)
-        forceBorderBeforeVersion1(block);
-}
-
-void loadFont(DOMElement* element, CFCBlockData* block) {
-    static constexpr AttributeTable kNames(u"Bold", u"Italics", u"StrikeOut", u"Underline", u"FontSize", u"Format",
-                                           u"FontColor", u"FontName", u"Version");
-    if (block == nullptr)
-        return;
-    AttributeRow const row(element, kNames);
-    int version = 0;
-    row.flag(0, block->Bold);
-    row.flag(1, block->Italics);
-    row.flag(2, block->StrikeOut);
-    row.flag(3, block->Underline);
-    row.integer(4, block->FontSize);
-    row.unsignedInteger(5, block->Format);
-    row.color(6, block->FontColor);
-    row.text(7, block->FontName);
-    row.integer(8, version);
-    block->FontSet = true;
-    block->FontVersion = version;
-    if (version == 0)
-        block->FontColor = 0;
 }
 
 // Gives a counter its value back at the end of a call.
@@ -509,10 +460,10 @@ bool CFCReader::loadChild(DOMElement* element, IFCNode* node, IFCNode*& inner) {
         loadFlags(element, blockDataOf(node));
         break;
     case Tag::Border:
-        loadBorder(element, blockDataOf(node));
+        flowmere::readBorder(element, blockDataOf(node));
         break;
     case Tag::Font:
-        loadFont(element, blockDataOf(node));
+        flowmere::readFont(element, blockDataOf(node));
         break;
     case Tag::Port:
         loadPorts(element, blockDataOf(node));

@@ -13,6 +13,7 @@
 #include "flowmere/model/FCVariableList.h"
 #include "flowmere/model/NodeKinds.h"
 #include "flowmere/model/ParentChain.h"
+#include "flowmere/persistence/ShapeElements.h"
 #include "flowmere/xml/XmlElements.h"
 #include "flowmere/xml/XmlFile.h"
 #include "flowmere/xml/XmlPlatform.h"
@@ -167,35 +168,6 @@ void writeScript(DOMNode* parent, CFCBlockData* block) {
     setText(element, u"ScriptType", type);
     if (type == L"TCMD" || type == L"TCMD_V2")
         writeCommandTexts(element, block);
-}
-
-void writeBorder(DOMNode* parent, CFCBlockData* block) {
-    DOMElement* const element = flowmere::appendElement(parent, u"BORDER");
-    if (element == nullptr || block == nullptr)
-        return;
-    flowmere::setInteger(element, u"LineThickness", block->LineThickness);
-    flowmere::setInteger(element, u"LinePenType", block->LinePenType);
-    flowmere::setInteger(element, u"DrawBorder", block->DrawBorder ? 1 : 0);
-    flowmere::setInteger(element, u"FillColor", block->FillColor ? 1 : 0);
-    flowmere::setInteger(element, u"ColorLine", block->ColorLine);
-    flowmere::setInteger(element, u"ColorFill", block->ColorFill);
-    flowmere::setConstant(element, u"Version", u"1");
-}
-
-void writeFont(DOMNode* parent, CFCBlockData* block) {
-    DOMElement* const element = flowmere::appendElement(parent, u"FONT");
-    if (element == nullptr || block == nullptr)
-        return;
-    // Saving names the font in the model, too.
-    if (block->FontName.IsEmpty())
-        block->FontName = L"Arial";
-    flowmere::setInteger(element, u"Bold", block->Bold ? 1 : 0);
-    flowmere::setInteger(element, u"Italics", block->Italics ? 1 : 0);
-    flowmere::setInteger(element, u"FontSize", block->FontSize);
-    flowmere::setInteger(element, u"Format", block->Format);
-    flowmere::setInteger(element, u"FontColor", block->FontColor);
-    setText(element, u"FontName", block->FontName);
-    flowmere::setConstant(element, u"Version", u"1");
 }
 
 // "DataType" and "Type", as they stand in both variable forms.
@@ -432,8 +404,8 @@ void CFCWriter::WriteProperties(IFCNode* node, DOMNode* element) {
         writeApplication(element, task);
     }
     writeScript(element, block);
-    writeBorder(element, block);
-    writeFont(element, block);
+    flowmere::writeBorder(element, block);
+    flowmere::writeFont(element, block);
 }
 
 void CFCWriter::WritePropertiesRoot(IFCNode* node, DOMNode* element) {
