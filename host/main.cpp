@@ -1,7 +1,6 @@
 #include "flowmere/Flowmere.h"
-#include "host/Command.h"
-#include "host/HelpPages.h"
-#include "host/Text.h"
+#include "host/basics/Command.h"
+#include "host/basics/Text.h"
 #include "host/commands/Catalog.h"
 #include "host/commands/Check.h"
 #include "host/commands/Completion.h"
@@ -14,6 +13,7 @@
 #include "host/commands/Run.h"
 #include "host/commands/Shell.h"
 #include "host/commands/Show.h"
+#include "host/help/HelpPages.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

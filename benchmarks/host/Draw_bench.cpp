@@ -1,7 +1,7 @@
 // What "draw" does with documents of many blocks, from the tree to the bytes of the picture, and the layout alone. In a
 // row of blocks that stand where the model has them, every fifth is joined with one nearby besides; in a flow without
 // places the blocks are arranged in layers first.
-#include "host/Document.h"
+#include "host/document/Document.h"
 #include "host/drawing/Drawing.h"
 #include "host/drawing/Fonts.h"
 #include "host/drawing/Layout.h"

@@ -1,6 +1,6 @@
 // What "library merge" does with two lists of many entries, from their files to the file that is saved.
-#include "host/ProcessLists.h"
-#include "host/SafeFile.h"
+#include "host/catalogs/ProcessLists.h"
+#include "host/files/SafeFile.h"
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>

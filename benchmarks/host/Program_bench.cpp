@@ -1,12 +1,12 @@
 // The program's commands against what they cannot do without: a check against the reading of its document and against
 // Python's compiler, the comparison of two documents, and the search for near names. The documents have three variables
 // and one connector for each block.
-#include "host/Document.h"
-#include "host/HostFactory.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
 #include "host/checks/Checks.h"
 #include "host/diff/Compare.h"
 #include "host/diff/Snapshot.h"
+#include "host/document/Document.h"
+#include "host/document/HostFactory.h"
 
 #include <Python.h>
 #include <benchmark/benchmark.h>

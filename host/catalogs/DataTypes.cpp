@@ -1,8 +1,8 @@
-#include "host/InputFile.h"
-#include "host/XmlFault.h"
 #include "host/catalogs/FileTypeWords.h"
 #include "host/catalogs/Kinds.h"
 #include "host/catalogs/Words.h"
+#include "host/files/InputFile.h"
+#include "host/files/XmlFault.h"
 
 #include <fmt/format.h>
 

@@ -2,7 +2,7 @@
 
 // A file type, which stands in a catalog of its own and among the data types.
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
-#include "host/Tree.h"
 #include "host/catalogs/Kinds.h"
 #include "host/catalogs/Words.h"
+#include "host/document/Tree.h"
 
 #include <fmt/format.h>
 

@@ -2,7 +2,7 @@
 
 // One for each kind of catalog.
 
-#include "host/Catalogs.h"
+#include "host/catalogs/Catalogs.h"
 
 namespace flowmere::host::catalogs {
 

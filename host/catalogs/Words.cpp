@@ -1,6 +1,6 @@
 #include "host/catalogs/Words.h"
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
 #include <fmt/format.h>
 

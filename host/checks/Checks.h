@@ -2,9 +2,9 @@
 
 // The rules of the check. Each looks at the whole document once, and adds what it finds.
 
-#include "host/Document.h"
-#include "host/Tree.h"
 #include "host/checks/Scripts.h"
+#include "host/document/Document.h"
+#include "host/document/Tree.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "host/checks/Checks.h"
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
 #include <fmt/format.h>
 

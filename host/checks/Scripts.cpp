@@ -3,9 +3,9 @@
 
 #include "host/checks/Scripts.h"
 
-#include "host/Command.h"
-#include "host/Interpreter.h"
-#include "host/Text.h"
+#include "host/basics/Command.h"
+#include "host/basics/Text.h"
+#include "host/scripting/Interpreter.h"
 
 #include <algorithm>
 #include <tuple>

@@ -1,8 +1,8 @@
 #include "host/commands/Catalog.h"
 
-#include "host/Catalogs.h"
-#include "host/InputFile.h"
-#include "host/XmlFault.h"
+#include "host/catalogs/Catalogs.h"
+#include "host/files/InputFile.h"
+#include "host/files/XmlFault.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

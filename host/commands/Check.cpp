@@ -1,8 +1,8 @@
 #include "host/commands/Check.h"
 
-#include "host/Document.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
 #include "host/checks/Checks.h"
+#include "host/document/Document.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #include "host/commands/Completion.h"
 
-#include "host/HelpPages.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
+#include "host/help/HelpPages.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>

@@ -1,10 +1,10 @@
 #include "host/commands/Diff.h"
 
-#include "host/Document.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
 #include "host/diff/Compare.h"
 #include "host/diff/DiffText.h"
 #include "host/diff/Snapshot.h"
+#include "host/document/Document.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,9 +1,9 @@
 #include "host/commands/Draw.h"
 
-#include "host/Document.h"
-#include "host/SafeFile.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
+#include "host/document/Document.h"
 #include "host/drawing/Drawing.h"
+#include "host/files/SafeFile.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

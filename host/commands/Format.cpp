@@ -1,10 +1,10 @@
 #include "host/commands/Format.h"
 
-#include "host/InputFile.h"
-#include "host/SafeFile.h"
-#include "host/Text.h"
-#include "host/WorkFolder.h"
-#include "host/XmlFault.h"
+#include "host/basics/Text.h"
+#include "host/basics/WorkFolder.h"
+#include "host/files/InputFile.h"
+#include "host/files/SafeFile.h"
+#include "host/files/XmlFault.h"
 
 #include "flowmere/Flowmere.h"
 

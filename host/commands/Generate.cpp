@@ -1,11 +1,11 @@
 #include "host/commands/Generate.h"
 
-#include "host/Document.h"
-#include "host/SafeFile.h"
-#include "host/Text.h"
-#include "host/Tree.h"
-#include "host/WorkFolder.h"
+#include "host/basics/Text.h"
+#include "host/basics/WorkFolder.h"
 #include "host/checks/Scripts.h"
+#include "host/document/Document.h"
+#include "host/document/Tree.h"
+#include "host/files/SafeFile.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

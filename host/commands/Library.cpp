@@ -1,10 +1,10 @@
 #include "host/commands/Library.h"
 
-#include "host/InputFile.h"
-#include "host/ProcessLists.h"
-#include "host/SafeFile.h"
-#include "host/Text.h"
-#include "host/XmlFault.h"
+#include "host/basics/Text.h"
+#include "host/catalogs/ProcessLists.h"
+#include "host/files/InputFile.h"
+#include "host/files/SafeFile.h"
+#include "host/files/XmlFault.h"
 
 #include "flowmere/Flowmere.h"
 

@@ -1,8 +1,8 @@
 #include "host/commands/Man.h"
 
-#include "host/HelpPages.h"
-#include "host/SafeFile.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
+#include "host/files/SafeFile.h"
+#include "host/help/HelpPages.h"
 
 #include "flowmere/Flowmere.h"
 

@@ -1,8 +1,8 @@
 #include "host/commands/Run.h"
 
-#include "host/Command.h"
-#include "host/run/Options.h"
-#include "host/run/RunSession.h"
+#include "host/basics/Command.h"
+#include "host/session/Options.h"
+#include "host/session/RunSession.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #include "host/commands/Shell.h"
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 #include "host/shell/LineEditor.h"
 #include "host/shell/LineSource.h"
 #include "host/shell/Shell.h"

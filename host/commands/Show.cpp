@@ -1,8 +1,8 @@
 #include "host/commands/Show.h"
 
-#include "host/Document.h"
-#include "host/Text.h"
-#include "host/Tree.h"
+#include "host/basics/Text.h"
+#include "host/document/Document.h"
+#include "host/document/Tree.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 namespace flowmere::host {
 

@@ -1,6 +1,6 @@
 #include "host/diff/Compare.h"
 
-#include "host/Tree.h"
+#include "host/document/Tree.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "host/diff/DiffText.h"
 
-#include "host/Tree.h"
+#include "host/document/Tree.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -2,7 +2,7 @@
 
 // Differences as a person reads them, and as a program does.
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 #include "host/diff/Compare.h"
 
 #include <string>

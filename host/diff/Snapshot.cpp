@@ -1,8 +1,8 @@
 #include "host/diff/Snapshot.h"
 
-#include "host/HostFactory.h"
-#include "host/Text.h"
-#include "host/Tree.h"
+#include "host/basics/Text.h"
+#include "host/document/HostFactory.h"
+#include "host/document/Tree.h"
 
 #include <fmt/format.h>
 

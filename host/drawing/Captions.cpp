@@ -1,6 +1,6 @@
 #include "host/drawing/Captions.h"
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
 #include <algorithm>
 #include <array>

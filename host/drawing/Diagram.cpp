@@ -1,8 +1,8 @@
 #include "host/drawing/Diagram.h"
 
-#include "host/Document.h"
-#include "host/Text.h"
-#include "host/Tree.h"
+#include "host/basics/Text.h"
+#include "host/document/Document.h"
+#include "host/document/Tree.h"
 
 #include <algorithm>
 #include <array>

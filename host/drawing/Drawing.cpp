@@ -1,6 +1,6 @@
 #include "host/drawing/Drawing.h"
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 #include "host/drawing/Fonts.h"
 #include "host/drawing/Layout.h"
 #include "host/drawing/Painter.h"

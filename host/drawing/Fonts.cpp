@@ -1,6 +1,6 @@
 #include "host/drawing/Fonts.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "host/drawing/Painter.h"
 
-#include "host/Command.h"
-#include "host/Text.h"
+#include "host/basics/Command.h"
+#include "host/basics/Text.h"
 #include "host/drawing/Looks.h"
 #include "host/drawing/Png.h"
 #include "host/drawing/Router.h"

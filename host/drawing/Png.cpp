@@ -1,6 +1,6 @@
 #include "host/drawing/Png.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 #include <png.h>
 

@@ -1,8 +1,8 @@
 #include "host/report/HtmlReport.h"
 
-#include "host/Command.h"
-#include "host/Document.h"
-#include "host/Text.h"
+#include "host/basics/Command.h"
+#include "host/basics/Text.h"
+#include "host/document/Document.h"
 #include "host/drawing/Drawing.h"
 #include "host/report/Markup.h"
 

@@ -2,7 +2,7 @@
 
 // A run as one page for a browser.
 
-#include "host/RunReport.h"
+#include "host/run/RunReport.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 
 #include "host/run/Watchdog.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "host/shell/Commands.h"
 
-#include "host/HostCommand.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
+#include "host/run/HostCommand.h"
 
 #include <algorithm>
 #include <map>

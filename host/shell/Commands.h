@@ -3,7 +3,7 @@
 // What can be said in the shell: the library's commands with the arguments that a line may give them, and the shell's
 // own words.
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 #include "host/shell/Words.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "host/shell/Completion.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 #include "host/shell/Commands.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "host/shell/History.h"
 
-#include "host/Command.h"
-#include "host/SafeFile.h"
+#include "host/basics/Command.h"
+#include "host/files/SafeFile.h"
 
 #include <cstddef>
 #include <cstdlib>

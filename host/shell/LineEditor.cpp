@@ -1,6 +1,6 @@
 #include "host/shell/LineEditor.h"
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
 #include <histedit.h>
 

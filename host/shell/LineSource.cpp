@@ -1,6 +1,6 @@
 #include "host/shell/LineSource.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 #include <cerrno>
 #include <cstring>

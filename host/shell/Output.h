@@ -2,7 +2,7 @@
 
 // What a command of the shell says.
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -2,8 +2,8 @@
 
 #include "host/shell/Workspace.h"
 
-#include "host/HostModule.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
+#include "host/scripting/HostModule.h"
 
 #include <fmt/format.h>
 

@@ -2,9 +2,9 @@
 
 #include "host/shell/Workspace.h"
 
-#include "host/DebugBlock.h"
-#include "host/HostModule.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
+#include "host/document/DebugBlock.h"
+#include "host/scripting/HostModule.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "host/shell/Shell.h"
 
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
 #include <fmt/format.h>
 

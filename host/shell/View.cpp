@@ -2,8 +2,8 @@
 
 #include "host/shell/Workspace.h"
 
-#include "host/Text.h"
-#include "host/Tree.h"
+#include "host/basics/Text.h"
+#include "host/document/Tree.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "host/shell/Words.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 #include <utility>
 

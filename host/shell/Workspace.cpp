@@ -1,8 +1,8 @@
 #include "host/shell/Workspace.h"
 
-#include "host/HostModule.h"
-#include "host/Text.h"
-#include "host/Values.h"
+#include "host/basics/Text.h"
+#include "host/document/Values.h"
+#include "host/scripting/HostModule.h"
 
 #include <fmt/format.h>
 

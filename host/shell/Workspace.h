@@ -2,10 +2,10 @@
 
 // What the shell works on: the open project, its run, and what each of the library's commands does with them.
 
-#include "host/Document.h"
-#include "host/HostCommand.h"
-#include "host/Interpreter.h"
-#include "host/Runner.h"
+#include "host/document/Document.h"
+#include "host/run/HostCommand.h"
+#include "host/run/Runner.h"
+#include "host/scripting/Interpreter.h"
 #include "host/shell/Output.h"
 
 #include <cstddef>

@@ -1,8 +1,8 @@
 #include "Golden.h"
 #include "Program.h"
 
-#include "host/Catalogs.h"
-#include "host/XmlFault.h"
+#include "host/catalogs/Catalogs.h"
+#include "host/files/XmlFault.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,11 +1,11 @@
 #include "Golden.h"
 #include "Study.h"
 
-#include "host/Command.h"
-#include "host/Document.h"
+#include "host/basics/Command.h"
 #include "host/diff/Compare.h"
 #include "host/diff/DiffText.h"
 #include "host/diff/Snapshot.h"
+#include "host/document/Document.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 #include "Study.h"
 
-#include "host/Command.h"
-#include "host/Document.h"
+#include "host/basics/Command.h"
+#include "host/document/Document.h"
 #include "host/drawing/Drawing.h"
 #include "host/drawing/Layout.h"
 #include "host/drawing/Looks.h"

@@ -1,8 +1,8 @@
 #include "Golden.h"
 #include "Program.h"
 
-#include "host/Command.h"
-#include "host/HelpPages.h"
+#include "host/basics/Command.h"
+#include "host/help/HelpPages.h"
 
 #include <CLI/CLI.hpp>
 #include <gmock/gmock.h>

@@ -2,7 +2,7 @@
 
 #include "Study.h"
 
-#include "host/Digest.h"
+#include "host/files/Digest.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,9 +1,9 @@
 #include "Golden.h"
 #include "Study.h"
 
-#include "host/Command.h"
-#include "host/ProcessLists.h"
-#include "host/SafeFile.h"
+#include "host/basics/Command.h"
+#include "host/catalogs/ProcessLists.h"
+#include "host/files/SafeFile.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

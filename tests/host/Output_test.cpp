@@ -2,9 +2,9 @@
 
 #include "Study.h"
 
-#include "host/Command.h"
-#include "host/OutputCapture.h"
-#include "host/Text.h"
+#include "host/basics/Command.h"
+#include "host/basics/Text.h"
+#include "host/scripting/OutputCapture.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

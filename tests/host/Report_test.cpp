@@ -3,7 +3,7 @@
 #include "Golden.h"
 #include "Study.h"
 
-#include "host/Document.h"
+#include "host/document/Document.h"
 #include "host/report/HtmlReport.h"
 #include "host/report/Markup.h"
 

@@ -1,6 +1,6 @@
-#include "host/SafeFile.h"
+#include "host/files/SafeFile.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 #include "TestSupport.h"
 

@@ -1,9 +1,9 @@
 #include "Study.h"
 
-#include "host/Command.h"
-#include "host/Document.h"
-#include "host/ReadBack.h"
-#include "host/SafeFile.h"
+#include "host/basics/Command.h"
+#include "host/document/Document.h"
+#include "host/document/ReadBack.h"
+#include "host/files/SafeFile.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -3,8 +3,8 @@
 #include "Study.h"
 
 #include "flowmere/Flowmere.h"
-#include "host/Document.h"
-#include "host/Text.h"
+#include "host/basics/Text.h"
+#include "host/document/Document.h"
 
 #include <gmock/gmock.h>
 

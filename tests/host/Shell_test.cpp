@@ -3,7 +3,7 @@
 #include "Study.h"
 #include "Terminal.h"
 
-#include "host/HostCommand.h"
+#include "host/run/HostCommand.h"
 #include "host/shell/Commands.h"
 #include "host/shell/Completion.h"
 #include "host/shell/History.h"

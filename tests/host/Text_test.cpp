@@ -1,6 +1,6 @@
-#include "host/Text.h"
+#include "host/basics/Text.h"
 
-#include "host/Command.h"
+#include "host/basics/Command.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 
 #include "Study.h"
 
-#include "host/Document.h"
-#include "host/run/TimeLeft.h"
+#include "host/document/Document.h"
+#include "host/session/TimeLeft.h"
 
 #include <gmock/gmock.h>
 
