@@ -27,20 +27,15 @@ namespace {
 // Links from file to file are followed to this depth, which no document made by hand comes near.
 constexpr int kLinkDepth = 32;
 
-struct TreeDeleter {
-    void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
-};
-using Tree = std::unique_ptr<IFCNode, TreeDeleter>;
-
 // A reader with the nodes of the program. Null from parse is told by the reader's error.
 struct DocumentReader {
     HostFactory factory;
     CFCReader reader;
 
-    Tree parse(fs::path const& path) {
+    NodeTree parse(fs::path const& path) {
         reader.SetNodeFactory(&factory);
         IFCNode* root = nullptr;
-        return Tree(reader.Parse(libraryPath(path), &root, kLinkDepth) ? root : nullptr);
+        return NodeTree(reader.Parse(libraryPath(path), &root, kLinkDepth) ? root : nullptr);
     }
 };
 
@@ -196,7 +191,7 @@ void Document::setRoots(std::vector<std::string> const& scriptRoots) {
 
 void Document::read() {
     DocumentReader source;
-    Tree tree = source.parse(m_path);
+    NodeTree tree = source.parse(m_path);
     if (tree == nullptr)
         throw xmlFailure(m_file, source.reader);
     m_findings = source.reader.GetReadFindings();
@@ -337,7 +332,7 @@ void Document::save(std::string const& out) {
     if (text.empty())
         fail("the document could not be built");
     file.write(text);
-    Tree const written = DocumentReader().parse(file.path());
+    NodeTree const written = DocumentReader().parse(file.path());
     if (written == nullptr)
         fail("what was written cannot be read back");
     ReadBack const readBack = compareReadBack(*m_process, *written);

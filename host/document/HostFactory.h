@@ -5,9 +5,16 @@
 
 #include "flowmere/Flowmere.h"
 
+#include <memory>
 #include <vector>
 
 namespace flowmere::host {
+
+struct TreeDeleter {
+    void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
+};
+// The root of a tree that is owned with all that is below it.
+using NodeTree = std::unique_ptr<IFCNode, TreeDeleter>;
 
 // A connector that keeps the points of its route, so that a document that is read and saved loses none of them. The
 // first point is the start of the line, all others are points on its way; the end is not told from them.

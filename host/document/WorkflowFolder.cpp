@@ -1,0 +1,234 @@
+#include "host/document/WorkflowFolder.h"
+
+#include "host/basics/Command.h"
+#include "host/basics/Text.h"
+#include "host/files/InputFile.h"
+#include "host/files/XmlFault.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace flowmere::host {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kDefinition = "processdefinition.xml";
+constexpr std::string_view kExecutionFolder = "BrindleExec";
+
+// A path of the library as the system has it.
+fs::path nativePath(wchar_t const* path) {
+    std::string text = utf8(path);
+    std::replace(text.begin(), text.end(), '\\', '/');
+    return text;
+}
+
+std::string localName(std::string const& name) {
+    return name.substr(name.find(':') + 1);
+}
+
+// The library's reader leaves the groups that come behind a sub-process without connectors.
+void connectGroups(CFCProcessDefinitionReader& reader) {
+    std::vector<IFCNode*> open;
+    for (CFCWorkflowFinding const& finding : reader.GetFindings())
+        if (finding.kind == CFCWorkflowFinding::TransitionsUnconnected && finding.node != nullptr)
+            open.push_back(finding.node);
+    while (!open.empty()) {
+        IFCNode* const group = open.back();
+        open.pop_back();
+        reader.UpdateConnector(group);
+        for (IFCNode* child = group->GetChild(); child != nullptr; child = child->GetNext()) {
+            int const kind = child->GetNodeType();
+            bool const hasOwnFolder = kind >= eShapeType_SubProcessLoop && kind <= eShapeType_BasicSubProcess;
+            if (!hasOwnFolder && child->GetChild() != nullptr)
+                open.push_back(child);
+        }
+    }
+}
+
+// The reader looks for scripts below the folders of the environment alone, where a path that begins at the top of the
+// system has no place.
+void placeScripts(IFCNode& root, fs::path const& scriptRoot) {
+    std::vector<IFCNode*> open{&root};
+    while (!open.empty()) {
+        IFCNode* const node = open.back();
+        open.pop_back();
+        for (IFCNode* child = node->GetChild(); child != nullptr; child = child->GetNext())
+            open.push_back(child);
+        CFCBlockData* const block = node->GetFCBlockData();
+        CFCBPMBlockData* const task = node->GetBPMBlockData();
+        if (block == nullptr || task == nullptr || *task->GetJythonScriptFileName() == L'\0')
+            continue;
+        fs::path const file = nativePath(task->GetJythonScriptFileName());
+        block->ReSetFullScriptFileName(libraryPath(file.is_absolute() ? file : scriptRoot / file));
+    }
+}
+
+bool isBroken(CFCWorkflowFinding::Kind kind) {
+    switch (kind) {
+    case CFCWorkflowFinding::NestedFileBroken:
+    case CFCWorkflowFinding::FolderCycle:
+    case CFCWorkflowFinding::NestingTooDeep:
+    case CFCWorkflowFinding::VariablesBroken:
+    case CFCWorkflowFinding::LayoutBroken:
+    case CFCWorkflowFinding::NodeNotMade:
+        return true;
+    default:
+        return false;
+    }
+}
+
+std::string placeOf(CFCWorkflowFinding const& finding) {
+    if (finding.line > 0)
+        return fmt::format("line {}, column {}", finding.line, finding.column);
+    return utf8(finding.place);
+}
+
+// "the attribute "async" of <join>"
+std::string attributeOf(CFCWorkflowFinding const& finding) {
+    std::string const element = utf8(finding.element);
+    return fmt::format("the attribute \"{}\"{}", utf8(finding.name),
+                       element.empty() ? std::string() : fmt::format(" of <{}>", element));
+}
+
+} // namespace
+
+std::optional<fs::path> workflowDefinition(fs::path const& path) {
+    std::error_code error;
+    fs::path definition;
+    if (fs::is_directory(path, error))
+        definition = path / kDefinition;
+    else if (path.filename() == kDefinition)
+        definition = path;
+    if (definition.empty() || !fs::is_regular_file(definition, error))
+        return std::nullopt;
+    return fs::absolute(definition).lexically_normal();
+}
+
+fs::path executionRoot(fs::path const& folder) {
+    std::string const text = folder.string();
+    std::size_t const at = text.find(kExecutionFolder);
+    return at == std::string::npos ? folder : fs::path(text.substr(0, at + kExecutionFolder.size()));
+}
+
+WorkflowFolder readWorkflowFolder(std::string const& name) {
+    std::optional<fs::path> const definition = workflowDefinition(name);
+    if (!definition) {
+        std::error_code error;
+        throw Failure(name, "",
+                      fs::is_directory(name, error)
+                          ? fmt::format("is a folder without a workflow: there is no {} in it", kDefinition)
+                          : "is no workflow folder");
+    }
+    fs::path const file = fs::is_directory(name) ? fs::path(name) / kDefinition : fs::path(name);
+    if (std::string const fault = inputFault(*definition); !fault.empty())
+        throw Failure(file.string(), "", fault);
+
+    WorkflowFolder folder;
+    folder.definition = *definition;
+    folder.scriptRoot = executionRoot(definition->parent_path());
+    HostFactory factory;
+    CFCProcessDefinitionReader reader;
+    reader.SetNodeFactory(&factory);
+    IFCNode* root = nullptr;
+    bool const isWhole = reader.Parse(libraryPath(*definition), &root, 0);
+    folder.process.reset(root);
+    if (root == nullptr)
+        throw xmlFailure(file.string(), reader);
+    if (std::string const element = rootElement(*definition);
+        !element.empty() && localName(element) != "process-definition")
+        throw Failure(file.string(), "", fmt::format("is no process definition: it holds a \"{}\"", element));
+    connectGroups(reader);
+    folder.version = reader.GetVersion();
+    for (CFCWorkflowFinding const& finding : reader.GetFindings()) {
+        if (isBroken(finding.kind))
+            throw Failure(fileOf(finding, name), placeOf(finding), describe(finding));
+        if (finding.kind != CFCWorkflowFinding::TransitionsUnconnected)
+            folder.findings.push_back(finding);
+    }
+    bool const lacksVariables = std::any_of(folder.findings.begin(), folder.findings.end(), [](auto const& finding) {
+        return finding.kind == CFCWorkflowFinding::VariablesMissing;
+    });
+    if (!isWhole && !lacksVariables)
+        throw Failure(file.string(), "", "it cannot be read");
+    placeScripts(*root, folder.scriptRoot);
+    return folder;
+}
+
+std::string fileOf(CFCWorkflowFinding const& finding, std::string const& name) {
+    fs::path const file = nativePath(finding.file);
+    std::optional<fs::path> const definition = workflowDefinition(name);
+    if (finding.file.IsEmpty() || !definition)
+        return file.string();
+    fs::path const folder = definition->parent_path();
+    fs::path const relative = file.lexically_normal().lexically_relative(folder);
+    if (relative.empty() || *relative.begin() == "..")
+        return file.string();
+    std::error_code error;
+    fs::path const shown = fs::is_directory(name, error) ? fs::path(name) : fs::path(name).parent_path();
+    return (shown / relative).string();
+}
+
+bool isMissingFile(CFCWorkflowFinding const& finding) {
+    return finding.kind == CFCWorkflowFinding::NestedFolderMissing ||
+           finding.kind == CFCWorkflowFinding::VariablesMissing || finding.kind == CFCWorkflowFinding::LayoutMissing;
+}
+
+std::string describe(CFCWorkflowFinding const& finding) {
+    std::string const element = utf8(finding.element);
+    std::string const name = utf8(finding.name);
+    std::string const value = utf8(finding.value);
+    auto const orBroken = [&](std::string_view otherwise) {
+        return finding.error.IsEmpty() ? std::string(otherwise) : utf8(finding.error);
+    };
+    switch (finding.kind) {
+    case CFCWorkflowFinding::ElementPassedOver:
+        return fmt::format("the element <{}> is passed over, with all that it holds", element);
+    case CFCWorkflowFinding::AttributePassedOver:
+        return fmt::format("{} is passed over: \"{}\"", attributeOf(finding), value);
+    case CFCWorkflowFinding::TextPassedOver:
+        return fmt::format("the text of <{}> is passed over: \"{}\"", element, value);
+    case CFCWorkflowFinding::ValueNotRead:
+        return fmt::format("{} is \"{}\", which cannot be read and counts as none", attributeOf(finding), value);
+    case CFCWorkflowFinding::NodeNotMade:
+        return fmt::format("no node can be made for the element <{}>", element);
+    case CFCWorkflowFinding::NodeWithoutName:
+        return fmt::format("the element <{}> has no name", element);
+    case CFCWorkflowFinding::NodeWithoutKind:
+        return fmt::format("the kind \"{}\" is not known: it is read as a block", value);
+    case CFCWorkflowFinding::TooManyPoints:
+        return fmt::format("points at the end of a route are passed over: {}", value);
+    case CFCWorkflowFinding::TransitionWithoutTarget:
+        return fmt::format("a transition goes to \"{}\", and there is no such node beside it", value);
+    case CFCWorkflowFinding::TransitionRepeated:
+        return fmt::format("a further transition to \"{}\" has no connector: there is one already", value);
+    case CFCWorkflowFinding::TransitionsUnconnected:
+        return "the transitions in it have no connectors: it comes behind a sub-process";
+    case CFCWorkflowFinding::NestedFolderMissing:
+        return "the workflow folder of the sub-process is missing";
+    case CFCWorkflowFinding::NestedFileBroken:
+    case CFCWorkflowFinding::VariablesBroken:
+    case CFCWorkflowFinding::LayoutBroken:
+        return orBroken("it cannot be read");
+    case CFCWorkflowFinding::FolderCycle:
+        return "the sub-process contains itself: this definition is being read already";
+    case CFCWorkflowFinding::NestingTooDeep:
+        return "what is nested here is too deep to be read";
+    case CFCWorkflowFinding::VariablesMissing:
+        return "there is no such file: variables are unknown, and the layout is not read";
+    case CFCWorkflowFinding::LayoutMissing:
+        return "there is no such file: nothing tells where the nodes stand";
+    case CFCWorkflowFinding::NestedProcessReplaced:
+        return "the sub-process has no file of variables: what its element holds is lost, its transitions too";
+    case CFCWorkflowFinding::ConnectorNotMade:
+        return fmt::format("no connector can be made to \"{}\"", value);
+    }
+    return {};
+}
+
+} // namespace flowmere::host
