@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kDefinition = "processdefinition.xml";
+constexpr std::string_view kLayout = "gpd.xml";
 constexpr std::string_view kExecutionFolder = "BrindleExec";
 
 // A path of the library as the system has it.
@@ -32,34 +33,55 @@ std::string localName(std::string const& name) {
     return name.substr(name.find(':') + 1);
 }
 
-// The library's reader leaves the groups that come behind a sub-process without connectors.
-void connectGroups(CFCProcessDefinitionReader& reader) {
-    std::vector<IFCNode*> open;
-    for (CFCWorkflowFinding const& finding : reader.GetFindings())
-        if (finding.kind == CFCWorkflowFinding::TransitionsUnconnected && finding.node != nullptr)
-            open.push_back(finding.node);
-    while (!open.empty()) {
-        IFCNode* const group = open.back();
-        open.pop_back();
-        reader.UpdateConnector(group);
-        for (IFCNode* child = group->GetChild(); child != nullptr; child = child->GetNext()) {
-            int const kind = child->GetNodeType();
-            bool const hasOwnFolder = kind >= eShapeType_SubProcessLoop && kind <= eShapeType_BasicSubProcess;
-            if (!hasOwnFolder && child->GetChild() != nullptr)
-                open.push_back(child);
-        }
+std::vector<IFCNode*> nodesBelow(IFCNode& root) {
+    std::vector<IFCNode*> nodes{&root};
+    for (std::size_t place = 0; place < nodes.size(); ++place)
+        for (IFCNode* child = nodes[place]->GetChild(); child != nullptr; child = child->GetNext())
+            nodes.push_back(child);
+    return nodes;
+}
+
+bool hasTransitions(IFCNode& container) {
+    for (IFCNode* child = container.GetChild(); child != nullptr; child = child->GetNext())
+        if (CFCBPMBlockData* const task = child->GetBPMBlockData())
+            if (task->GetTransitionList()->GetHeadPosition() != nullptr)
+                return true;
+    return false;
+}
+
+// The library's reader leaves levels without variables unconnected, and groups that come behind a sub-process.
+void connectRest(CFCProcessDefinitionReader& reader, IFCNode& root) {
+    for (IFCNode* const container : nodesBelow(root)) {
+        CFCConnectorList* const list = container->GetConnectorList();
+        if (list != nullptr && list->GetHeadPosition() == nullptr && hasTransitions(*container))
+            reader.UpdateConnector(container);
     }
+}
+
+// It reads no layout of a level without variables, either.
+void readLayout(CFCWorkflowFinding const& noVariables, IFCNode& level, std::vector<CFCWorkflowFinding>& findings) {
+    CFCWorkflowFinding finding = noVariables;
+    fs::path const file = nativePath(noVariables.file).parent_path() / kLayout;
+    finding.file = libraryPath(file);
+    CFCGPDReader reader;
+    std::error_code error;
+    if (!fs::exists(file, error)) {
+        finding.kind = CFCWorkflowFinding::LayoutMissing;
+    } else if (!reader.Parse(finding.file, &level, 0)) {
+        finding.kind = CFCWorkflowFinding::LayoutBroken;
+        finding.error = reader.GetErrorText();
+        finding.line = reader.GetErrorLine();
+        finding.column = reader.GetErrorColumn();
+    } else {
+        return;
+    }
+    findings.push_back(finding);
 }
 
 // The reader looks for scripts below the folders of the environment alone, where a path that begins at the top of the
 // system has no place.
 void placeScripts(IFCNode& root, fs::path const& scriptRoot) {
-    std::vector<IFCNode*> open{&root};
-    while (!open.empty()) {
-        IFCNode* const node = open.back();
-        open.pop_back();
-        for (IFCNode* child = node->GetChild(); child != nullptr; child = child->GetNext())
-            open.push_back(child);
+    for (IFCNode* const node : nodesBelow(root)) {
         CFCBlockData* const block = node->GetFCBlockData();
         CFCBPMBlockData* const task = node->GetBPMBlockData();
         if (block == nullptr || task == nullptr || *task->GetJythonScriptFileName() == L'\0')
@@ -143,17 +165,21 @@ WorkflowFolder readWorkflowFolder(std::string const& name) {
     if (std::string const element = rootElement(*definition);
         !element.empty() && localName(element) != "process-definition")
         throw Failure(file.string(), "", fmt::format("is no process definition: it holds a \"{}\"", element));
-    connectGroups(reader);
+    connectRest(reader, *root);
     folder.version = reader.GetVersion();
+    bool lacksVariables = false;
     for (CFCWorkflowFinding const& finding : reader.GetFindings()) {
+        if (finding.kind == CFCWorkflowFinding::TransitionsUnconnected)
+            continue;
+        folder.findings.push_back(finding);
+        if (finding.kind == CFCWorkflowFinding::VariablesMissing && finding.node != nullptr) {
+            lacksVariables = lacksVariables || finding.node == root;
+            readLayout(finding, *finding.node, folder.findings);
+        }
+    }
+    for (CFCWorkflowFinding const& finding : folder.findings)
         if (isBroken(finding.kind))
             throw Failure(fileOf(finding, name), placeOf(finding), describe(finding));
-        if (finding.kind != CFCWorkflowFinding::TransitionsUnconnected)
-            folder.findings.push_back(finding);
-    }
-    bool const lacksVariables = std::any_of(folder.findings.begin(), folder.findings.end(), [](auto const& finding) {
-        return finding.kind == CFCWorkflowFinding::VariablesMissing;
-    });
     if (!isWhole && !lacksVariables)
         throw Failure(file.string(), "", "it cannot be read");
     placeScripts(*root, folder.scriptRoot);
@@ -188,7 +214,8 @@ std::string describe(CFCWorkflowFinding const& finding) {
     };
     switch (finding.kind) {
     case CFCWorkflowFinding::ElementPassedOver:
-        return fmt::format("the element <{}> is passed over, with all that it holds", element);
+        return fmt::format("the element <{}>{} is passed over, with all that it holds", element,
+                           name.empty() ? std::string() : fmt::format(" \"{}\"", name));
     case CFCWorkflowFinding::AttributePassedOver:
         return fmt::format("{} is passed over: \"{}\"", attributeOf(finding), value);
     case CFCWorkflowFinding::TextPassedOver:
@@ -220,11 +247,12 @@ std::string describe(CFCWorkflowFinding const& finding) {
     case CFCWorkflowFinding::NestingTooDeep:
         return "what is nested here is too deep to be read";
     case CFCWorkflowFinding::VariablesMissing:
-        return "there is no such file: variables are unknown, and the layout is not read";
+        return "there is no such file: the variables are unknown";
     case CFCWorkflowFinding::LayoutMissing:
         return "there is no such file: nothing tells where the nodes stand";
-    case CFCWorkflowFinding::NestedProcessReplaced:
-        return "the sub-process has no file of variables: what its element holds is lost, its transitions too";
+    case CFCWorkflowFinding::ElementLost:
+        return "what the element of the sub-process holds is lost, its transitions too: there is no file of its "
+               "variables";
     case CFCWorkflowFinding::ConnectorNotMade:
         return fmt::format("no connector can be made to \"{}\"", value);
     }

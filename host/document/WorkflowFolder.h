@@ -31,8 +31,9 @@ struct WorkflowFolder {
 };
 
 // Reads a workflow folder, sub-processes included, with the nodes of the program: connectors keep their routes. The
-// folders of the environment must be set. Groups behind a sub-process, which the library's reader leaves unconnected,
-// have connectors too. Each block that may have a script knows its file, whether it is there or not.
+// folders of the environment must be set. What the library's reader leaves out is made up for: groups behind a
+// sub-process and levels without variables have their connectors, and such levels their layout. Each block that may
+// have a script knows its file, whether it is there or not.
 //
 // Throws Failure, exit code 2, for a folder without a definition, for a broken file at any depth (with the file, the
 // line, the column and the cause), for sub-processes that contain themselves, and for too deep nesting. A sub-process
