@@ -8,6 +8,7 @@
 
 class IFCNode;
 class CFCDataTypeNode;
+class CFCVariableData;
 
 // Reads "process.var" into a tree of workflow nodes that stands already: variables, arguments and deployments are added
 // to the nodes that the file names, and names without a node are passed over with all that they hold.
@@ -45,6 +46,8 @@ public:
     CFCDataTypeNode* GetDataTypeNode(wchar_t const* name);
 
 private:
+    // Sets up the data type node of the variable; an old name of a type is replaced.
+    void bindDataType(CFCVariableData* variable, TuString& typeName);
     IFCNode* findCatalogEntry(TuString const& name);
     void forgetCatalog();
 
