@@ -2,6 +2,7 @@
 
 #include "flowmere/algorithms/TreeWalk.h"
 #include "flowmere/model/FCApplicationData.h"
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockNode.h"
 #include "flowmere/model/FCConnector.h"
@@ -170,6 +171,12 @@ void CFCNodeHelper::DestroyTree(IFCNode* node) {
             addList(data->GetTimerList(), ofPlace);
             addList(data->GetTransitionList(), ofPlace);
             addList(data->GetReminderList(), ofPlace);
+        }
+        if (auto* const application = dynamic_cast<CFCApplicationNode*>(place)) {
+            addList(application->GetArgumentList(), ofPlace);
+            addList(application->GetPatternList(), ofPlace);
+            addList(application->GetCmdLineList(), ofPlace);
+            addList(application->GetDeploymentList(), ofPlace);
         }
         if (auto* const deployment = dynamic_cast<CFCDeploymentData*>(place)) {
             addList(deployment->GetVariableList(), ofPlace);

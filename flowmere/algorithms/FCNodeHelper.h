@@ -4,7 +4,9 @@
 #include "flowmere/foundation/TuString.h"
 #include "flowmere/model/FCEnumerations.h"
 
+class CFCArgumentData;
 class CFCDataTypeNode;
+class CFCPatternData;
 class CFCProcessList;
 class CFCVariableData;
 class IFCNode;
@@ -58,7 +60,7 @@ public:
     // no parent. The node type decides, not the class.
     static IFCNode* GetProcessNode(IFCNode* node);
 
-    // --- Variables -----------------------------------------------------------------------------------------
+    // --- Variables, and records of applications ------------------------------------------------------------
 
     // CFCBlockNode::FindVariable of the node; null for a node that is no block.
     static CFCVariableData* FindVariable(wchar_t const* path, IFCNode* node);
@@ -72,6 +74,11 @@ public:
 
     // As FindVariableByID, by the deployment map id.
     static CFCVariableData* FindVariableByMapID(IFCNode* node, int id);
+
+    // First argument (pattern) with the identifier. All children are searched before the node's own list, so a match
+    // on a deeper node wins; nodes that are no application have no such list. The last number plays no part.
+    static CFCArgumentData* FindArgumentByID(IFCNode* node, int id, int extra);
+    static CFCPatternData* FindPatternByID(IFCNode* node, int id);
 
     // Follows link paths from the variable at path to the end of the chain, looking each up through node. Null
     // when a path leads nowhere and for a chain that closes on itself. Link pointers are not used.
@@ -112,7 +119,8 @@ public:
     static bool IsValidNode(IFCNode* root, IFCNode* node);
 
     // A new node of the same type with the caption, identifier, file state and version of source, and without
-    // its children, variables and connectors. The caller owns it. Null when the type cannot be made.
+    // its children, variables and connectors. For the type of an application the result is that of
+    // CFCApplicationNode::Clone. The caller owns it. Null when the type cannot be made.
     static IFCNode* Clone(IFCNode* source);
 
     // Merges the sibling chain from source into the children of target, by caption. A file node that is there

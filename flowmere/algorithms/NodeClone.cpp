@@ -1,5 +1,6 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCNode.h"
 #include "flowmere/model/FCNodeFactory.h"
 
@@ -8,10 +9,9 @@ IFCNode* CFCNodeHelper::Clone(IFCNode* source) {
         return nullptr;
     }
     int const type = source->GetNodeType();
-    // An application is more than a record: only its own class can clone it, with its lists. A node that merely bears
-    // the code has no clone.
+    // An application is more than a record: it takes its workflow content and its lists along.
     if (type == eShapeType_Application) {
-        return nullptr;
+        return CFCApplicationNode::Clone(source);
     }
     CFCNodeFactory factory;
     IFCNode* const clone = factory.Create(type);

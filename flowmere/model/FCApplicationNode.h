@@ -76,7 +76,8 @@ public:
     CFCDeploymentData* CreateNewDeployment();
 
     // Adds the five variables that every application has: its working directory, and the four by which a running task
-    // reaches its server. They have no value. The data types must stand in the catalog to be attached.
+    // reaches its server. They have no value; their data types are attached where the catalog holds them.
+    // Defined in persistence/ApplicationVariables.cpp.
     void CreateDefaultVariables();
 
     // Deployments; defined in algorithms/ApplicationDeployments.cpp.
@@ -107,8 +108,8 @@ public:
     // each clone reverses the order, and children that cannot be cloned are left out with all below them. The caller
     // owns it. Null where Clone gives null.
     static IFCNode* CloneNodeComplex(IFCNode* source);
-    // Append clones of the arguments (deployments) of the source to those of the target. False, and nothing done, for a
-    // null and for one node given twice; a node that is no application has none, and takes none.
+    // Append clones of the arguments (deployments) of the source to those of the target. False, and nothing done, for
+    // null, for one node given twice and for a node that is no application.
     static bool CopyArguments(IFCNode* source, IFCNode* target);
     static bool CopyDeployments(IFCNode* source, IFCNode* target);
 

@@ -1,6 +1,7 @@
 #include "flowmere/model/NodeKinds.h"
 
 #include "flowmere/model/FCApplicationData.h"
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockNode.h"
 #include "flowmere/model/FCCatalogNodes.h"
@@ -198,11 +199,12 @@ constexpr NodeKind kNodeKinds[] = {
      .readShape = L"BasicSubProcess",
      .name = L"BASICSUPERSTATE"},
     {.code = 167,
+     .make = makeNode<CFCApplicationNode>,
      .element = L"task-node",
      .readElement = L"ClientApplication",
      .shape = L"ClientApplication",
      .readShape = L"ClientApplication"},
-    {.code = 168},
+    {.code = 168, .make = makeNode<CFCApplicationNode>},
     {.code = 169, .image = 3},
     {.code = 170, .make = makeNodeOfCode<CFCFileNode>, .image = 6},
     {.code = 171, .make = makeNode<CFCAPIHelpNode>, .image = 6},

@@ -3,6 +3,7 @@
 #include "TreeBuilder.h"
 #include "flowmere/model/FCActionData.h"
 #include "flowmere/model/FCApplicationData.h"
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCConnector.h"
@@ -207,6 +208,41 @@ TEST(DestroyTree, TakesTheVariablesOfADeployment) {
     deployment->CreateNewVariable();
     deployment->CreateNewVariable();
     CFCNodeHelper::DestroyTree(deployment);
+    EXPECT_EQ(live.count(), 0);
+}
+
+TEST(DestroyTree, TakesTheRecordsOfAnApplication) {
+    LiveNodes const live;
+    IFCNode* const root = make(160);
+    for (int type : {167, 168}) {
+        auto* const application = dynamic_cast<CFCApplicationNode*>(addFirst(root, type, L"A"));
+        fillRecords(application);
+        addVariable(application, L"x")->SetNature(L"Deployment");
+        application->CreateDefaultDeployments();
+        for (int i = 0; i < 3; ++i) {
+            application->CreateNewArgument();
+            application->CreateNewPattern();
+            application->CreateNewCmdLine();
+            application->CreateNewDeployment()->CreateNewVariable();
+        }
+        // Records without an owner, as clones are.
+        application->GetArgumentList()->AddTail(new CFCArgumentData);
+        application->GetDeploymentList()->AddTail(
+            CFCDeploymentData::CloneDeployment(application->GetDeployment(L"Windows")));
+    }
+    CFCNodeHelper::DestroyTree(root);
+    EXPECT_EQ(live.count(), 0);
+}
+
+TEST(DestroyTree, LeavesTheRecordsThatACopyOfAnApplicationShares) {
+    LiveNodes const live;
+    auto* const application = dynamic_cast<CFCApplicationNode*>(make(167));
+    application->GetArgumentList()->AddTail(new CFCArgumentData);
+    application->CreateNewDeployment()->CreateNewVariable();
+    CFCNodeHelper::DestroyTree(new CFCApplicationNode(*application));
+    EXPECT_EQ(application->GetArgumentList()->GetCount(), 1);
+    EXPECT_EQ(application->GetDeploymentList()->GetHead()->GetVariableList()->GetCount(), 1);
+    CFCNodeHelper::DestroyTree(application);
     EXPECT_EQ(live.count(), 0);
 }
 

@@ -1,6 +1,7 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 
 #include "TreeBuilder.h"
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCFolderNodes.h"
 #include "flowmere/model/FCProcessNode.h"
@@ -139,10 +140,46 @@ TEST(NodeClone, ATypeWithoutClassHasNoClone) {
     EXPECT_EQ(CFCNodeHelper::Clone(nullptr), nullptr);
 }
 
-TEST(NodeClone, ANodeThatMerelyBearsTheCodeOfAnApplicationHasNoClone) {
-    Tree node(150, L"Task_01");
-    node->SetNodeType(167);
-    EXPECT_EQ(CFCNodeHelper::Clone(node), nullptr);
+TEST(NodeClone, AnApplicationBringsItsContentAlong) {
+    Tree source(167, L"App", L"Solve");
+    auto* const application = dynamic_cast<CFCApplicationNode*>(source.root());
+    addVariable(source, L"x");
+    application->CreateNewArgument()->SetArgumentID(5);
+    source->SetItemFilePath(L"not part of it");
+    Tree clone(CFCNodeHelper::Clone(source));
+    auto* const copy = dynamic_cast<CFCApplicationNode*>(clone.root());
+    ASSERT_NE(copy, nullptr);
+    EXPECT_STREQ(copy->GetNodeCaption(), L"Solve");
+    EXPECT_STREQ(copy->GetNodeId(), L"App");
+    EXPECT_STREQ(copy->GetItemFilePath(), L"");
+    EXPECT_EQ(copy->GetVariableList()->GetCount(), 1);
+    EXPECT_EQ(copy->GetArgumentList()->GetCount(), 1);
+}
+
+TEST(NodeClone, ANodeOfTheTypeOfAnApplicationNeedsAWorkflowRecord) {
+    Tree task(150, L"Task_01", L"T");
+    task->SetNodeType(167);
+    Tree clone(CFCNodeHelper::Clone(task));
+    ASSERT_NE(dynamic_cast<CFCApplicationNode*>(clone.root()), nullptr);
+    EXPECT_STREQ(clone->GetNodeId(), L"Task_01");
+    Tree block(57, L"Block");
+    block->SetNodeType(167);
+    EXPECT_EQ(CFCNodeHelper::Clone(block), nullptr);
+}
+
+TEST(NodeClone, AGroupOfApplicationsIsClonedAsAnyOtherNode) {
+    Tree source(168, L"Group", L"G");
+    addVariable(source, L"x");
+    dynamic_cast<CFCApplicationNode*>(source.root())->CreateNewArgument();
+    source->SetItemFilePath(L"file");
+    Tree clone(CFCNodeHelper::Clone(source));
+    auto* const copy = dynamic_cast<CFCApplicationNode*>(clone.root());
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy->GetNodeType(), 168);
+    EXPECT_STREQ(copy->GetNodeId(), L"Group");
+    EXPECT_STREQ(copy->GetItemFilePath(), L"file");
+    EXPECT_EQ(copy->GetVariableList()->GetCount(), 0);
+    EXPECT_EQ(copy->GetArgumentList()->GetCount(), 0);
 }
 
 TEST(NodeClone, IsOfTheStoredTypeWhateverTheClassOfTheSource) {

@@ -2,6 +2,7 @@
 
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/model/FCApplicationData.h"
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockNode.h"
 #include "flowmere/model/FCCatalogNodes.h"
@@ -28,24 +29,24 @@ namespace {
 using flowmere::test::narrow;
 using flowmere::test::PlainNode;
 
-// The class of each code. The application class is not part of the library yet.
+// The class of each code.
 std::map<int, std::type_index> const& classes() {
     static std::map<int, std::type_index> const s_classes = {
-        {55, typeid(CFCBlockNode)},      {56, typeid(CFCProcessNode)},   {57, typeid(CFCBlockNode)},
-        {58, typeid(CFCBlockNode)},      {59, typeid(CFCBlockNode)},     {60, typeid(CFCSubProcessNode)},
-        {61, typeid(CFCSubProcessNode)}, {68, typeid(CFCConnector)},     {69, typeid(CFCProcessList)},
-        {70, typeid(CFCFileNode)},       {71, typeid(CFCSubGroupNode)},  {72, typeid(CFCVariableData)},
-        {79, typeid(CFCCodeNode)},       {80, typeid(CFCDataTypeNode)},  {81, typeid(CFCDataTypeNode)},
-        {82, typeid(CFCDataTypeNode)},   {83, typeid(CFCFileTypeNode)},  {85, typeid(CFCMimeTypeNode)},
-        {86, typeid(CFCMimeTypeNode)},   {150, typeid(CFCBPMTaskNode)},  {151, typeid(CFCBPMTaskNode)},
-        {152, typeid(CFCBPMTaskNode)},   {153, typeid(CFCBPMTaskNode)},  {154, typeid(CFCBPMTaskNode)},
-        {155, typeid(CFCBPMTaskNode)},   {156, typeid(CFCBPMTaskNode)},  {157, typeid(CFCBPMTaskNode)},
-        {158, typeid(CFCBPMTaskNode)},   {159, typeid(CFCBPMTaskNode)},  {160, typeid(CFCBPMProcessNode)},
-        {161, typeid(CFCBPMTaskNode)},   {162, typeid(CFCBPMTaskNode)},  {163, typeid(CFCBPMTaskNode)},
-        {164, typeid(CFCBPMTaskNode)},   {165, typeid(CFCBPMTaskNode)},  {170, typeid(CFCFileNode)},
-        {171, typeid(CFCAPIHelpNode)},   {172, typeid(CFCPackageNode)},  {176, typeid(CFCFavouriteNode)},
-        {177, typeid(CFCDocumentNode)},  {179, typeid(CFCSubGroupNode)}, {182, typeid(CFCDeploymentData)},
-        {183, typeid(CFCResourceData)},
+        {55, typeid(CFCBlockNode)},        {56, typeid(CFCProcessNode)},     {57, typeid(CFCBlockNode)},
+        {58, typeid(CFCBlockNode)},        {59, typeid(CFCBlockNode)},       {60, typeid(CFCSubProcessNode)},
+        {61, typeid(CFCSubProcessNode)},   {68, typeid(CFCConnector)},       {69, typeid(CFCProcessList)},
+        {70, typeid(CFCFileNode)},         {71, typeid(CFCSubGroupNode)},    {72, typeid(CFCVariableData)},
+        {79, typeid(CFCCodeNode)},         {80, typeid(CFCDataTypeNode)},    {81, typeid(CFCDataTypeNode)},
+        {82, typeid(CFCDataTypeNode)},     {83, typeid(CFCFileTypeNode)},    {85, typeid(CFCMimeTypeNode)},
+        {86, typeid(CFCMimeTypeNode)},     {150, typeid(CFCBPMTaskNode)},    {151, typeid(CFCBPMTaskNode)},
+        {152, typeid(CFCBPMTaskNode)},     {153, typeid(CFCBPMTaskNode)},    {154, typeid(CFCBPMTaskNode)},
+        {155, typeid(CFCBPMTaskNode)},     {156, typeid(CFCBPMTaskNode)},    {157, typeid(CFCBPMTaskNode)},
+        {158, typeid(CFCBPMTaskNode)},     {159, typeid(CFCBPMTaskNode)},    {160, typeid(CFCBPMProcessNode)},
+        {161, typeid(CFCBPMTaskNode)},     {162, typeid(CFCBPMTaskNode)},    {163, typeid(CFCBPMTaskNode)},
+        {164, typeid(CFCBPMTaskNode)},     {165, typeid(CFCBPMTaskNode)},    {167, typeid(CFCApplicationNode)},
+        {168, typeid(CFCApplicationNode)}, {170, typeid(CFCFileNode)},       {171, typeid(CFCAPIHelpNode)},
+        {172, typeid(CFCPackageNode)},     {176, typeid(CFCFavouriteNode)},  {177, typeid(CFCDocumentNode)},
+        {179, typeid(CFCSubGroupNode)},    {182, typeid(CFCDeploymentData)}, {183, typeid(CFCResourceData)},
     };
     return s_classes;
 }
@@ -107,8 +108,8 @@ TEST(CFCNodeFactory, DrawsTheHandlesOfTheNodeAndItsMembers) {
         int first; // the node's own, counted from 0: it is drawn before those of its members
     };
     // A sub-process of code 60 is built twice, and the second one is given.
-    Row const rows[] = {{57, 5, 0},   {55, 5, 0},   {61, 5, 0}, {60, 10, 5}, {56, 7, 0},
-                        {150, 13, 0}, {160, 27, 0}, {68, 1, 0}, {72, 3, 0},  {71, 1, 0}};
+    Row const rows[] = {{57, 5, 0},   {55, 5, 0},   {61, 5, 0},   {60, 10, 5}, {56, 7, 0}, {150, 13, 0},
+                        {160, 27, 0}, {167, 17, 0}, {168, 17, 0}, {68, 1, 0},  {72, 3, 0}, {71, 1, 0}};
     CFCNodeFactory factory;
     for (Row const& row : rows) {
         PlainNode before;

@@ -1,6 +1,7 @@
 // Every attribute of the process document: set in the model, found in the file, read back.
 #include "DocumentTestSupport.h"
 
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCPointerConverter.h"
 #include "flowmere/xml/TXMLBaseReader.h"
 
@@ -511,11 +512,11 @@ TEST_F(DocumentRoundTrip, TypesOfTheNodesThatComeBackAndOfThoseThatDoNot) {
         bool isTask;
     };
     TypeRow const typeRows[] = {
-        {55, 55, false},  {57, 57, false},  {58, 58, false},  {59, 59, false},   {60, 61, false},
-        {61, 61, false},  {56, 56, false},  {71, 71, false},  {150, 150, true},  {151, 0, false},
-        {152, 0, false},  {153, 153, true}, {154, 154, true}, {155, 155, true},  {156, 156, true},
-        {157, 157, true}, {158, 0, false},  {159, 0, false},  {160, 160, false}, {161, 161, true},
-        {162, 162, true}, {163, 163, true}, {164, 164, true}, {165, 165, true},  {79, 0, false}};
+        {55, 55, false},   {57, 57, false},  {58, 58, false},  {59, 59, false},  {60, 61, false},  {61, 61, false},
+        {56, 56, false},   {71, 71, false},  {150, 150, true}, {151, 0, false},  {152, 0, false},  {153, 153, true},
+        {154, 154, true},  {155, 155, true}, {156, 156, true}, {157, 157, true}, {158, 0, false},  {159, 0, false},
+        {160, 160, false}, {161, 161, true}, {162, 162, true}, {163, 163, true}, {164, 164, true}, {165, 165, true},
+        {168, 0, false},   {79, 0, false}};
     for (TypeRow const& row : typeRows) {
         Tree const tree(CFCNodeFactory().Create(56));
         IFCNode* const node = addChild(tree.get(), row.type, L"N", L"N");
@@ -535,13 +536,30 @@ TEST_F(DocumentRoundTrip, TypesOfTheNodesThatComeBackAndOfThoseThatDoNot) {
 
 TEST_F(DocumentRoundTrip, ApplicationComesBackAsATaskOfItsType) {
     Tree const tree(CFCNodeFactory().Create(56));
-    addChild(tree.get(), 150, L"App")->SetNodeType(167);
+    auto* const application = dynamic_cast<CFCApplicationNode*>(addChild(tree.get(), 167, L"App"));
+    CFCBPMBlockData* const record = application->GetBPMBlockData();
+    record->SetTaskDescription(L"d");
+    record->SetApplication(L"n");
+    record->SetDeployment(L"p");
+    record->SetExecutable(L"e");
+    application->SetFailedReason(L"why");
+    // What the application answers by these names is not what a document holds.
+    addVariable(application, L"EXECUTABLE", L"other");
+    application->CreateNewDeployment()->SetNodeCaption(L"Windows");
     std::string const file = textOf(tree.get());
     EXPECT_EQ(attributeIn(lineOf(file, "DIMENSION"), "Shape"), "ClientApplication");
+    EXPECT_EQ(attributeIn(lineOf(file, "task-node"), "FailedReason"), "why");
+    EXPECT_EQ(lineOf(file, "BPM"), "<BPM Description=\"d\"/>");
+    EXPECT_EQ(lineOf(file, "APPLICATION"), "<APPLICATION Deployment=\"p\" Executable=\"e\" Name=\"n\"/>");
     Tree const again = parse(file);
     IFCNode& task = *onlyChild(again.get());
     EXPECT_EQ(task.GetNodeType(), 167);
     EXPECT_EQ(typeid(task), typeid(CFCBPMTaskNode));
+    EXPECT_STREQ(dynamic_cast<CFCBPMTaskNode&>(task).GetFailedReason(), L"why");
+    EXPECT_STREQ(task.GetBPMBlockData()->GetTaskDescription(), L"d");
+    EXPECT_STREQ(task.GetBPMBlockData()->GetApplication(), L"n");
+    EXPECT_STREQ(task.GetBPMBlockData()->GetDeployment(), L"p");
+    EXPECT_STREQ(task.GetBPMBlockData()->GetExecutable(), L"e");
 }
 
 TEST_F(DocumentRoundTrip, SingleBlockComesBackAsAProcessOfItsType) {

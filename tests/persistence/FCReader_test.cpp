@@ -1,5 +1,6 @@
 #include "DocumentTestSupport.h"
 
+#include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCNodeList.h"
 #include "flowmere/model/FCPointerConverter.h"
 
@@ -556,14 +557,32 @@ TEST_F(FCReader, ElementsMakeNodesOfTheirTypeAndClass) {
     }
 }
 
-TEST_F(FCReader, ApplicationElementMakesWhatTheFactoryMakesOfIts) {
-    class Applications : public CFCNodeFactory {
+TEST_F(FCReader, ApplicationElementMakesAnApplication) {
+    tree = parseInside("<ClientApplication Name=\"N\" FailedReason=\"why\"><BPM Description=\"d\"/>"
+                       "<APPLICATION Name=\"solver\" Deployment=\"p\" Executable=\"e\"/></ClientApplication>");
+    auto* const node = dynamic_cast<CFCApplicationNode*>(onlyChild(tree.get()));
+    ASSERT_NE(node, nullptr);
+    EXPECT_EQ(node->GetNodeType(), 167);
+    EXPECT_STREQ(node->GetNodeId(), L"N");
+    EXPECT_STREQ(node->GetFailedReason(), L"why");
+    // The texts of the document are those of the record; the application's own answers come from its lists.
+    EXPECT_STREQ(taskIn(tree)->GetTaskDescription(), L"d");
+    EXPECT_STREQ(taskIn(tree)->GetApplication(), L"solver");
+    EXPECT_STREQ(taskIn(tree)->GetDeployment(), L"p");
+    EXPECT_STREQ(taskIn(tree)->GetExecutable(), L"e");
+    EXPECT_STREQ(node->GetExecutable(), L"");
+    EXPECT_EQ(node->GetDeployment(L"p"), nullptr);
+}
+
+TEST_F(FCReader, ApplicationElementMakesWhatTheFactoryMakesOfItsType) {
+    class Tasks : public CFCNodeFactory {
     public:
         IFCNode* Create(int type) override { return CFCNodeFactory::Create(type == 167 ? 150 : type); }
-    } applications;
-    factory = &applications;
+    } tasks;
+    factory = &tasks;
     tree = parseInside("<ClientApplication Name=\"N\"><APPLICATION Name=\"solver\"/></ClientApplication>");
     EXPECT_STREQ(taskIn(tree)->GetApplication(), L"solver");
+    EXPECT_EQ(dynamic_cast<CFCApplicationNode*>(onlyChild(tree.get())), nullptr);
 }
 
 TEST_F(FCReader, NewChildrenStandInFrontOfTheOlderOnes) {
