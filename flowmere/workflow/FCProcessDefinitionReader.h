@@ -3,14 +3,15 @@
 
 #include "flowmere/Export.h"
 #include "flowmere/foundation/TuString.h"
-#include "flowmere/model/FCEnumerations.h"
 #include "flowmere/xml/TXMLBaseReader.h"
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
 class CFCBaseContainer;
+class CFCConnector;
 class CFCNodeFactory;
 class CFCTransitionData;
 class IFCNode;
@@ -23,33 +24,34 @@ class WorkflowFileChain;
 // to tell its user.
 struct CFCWorkflowFinding {
     enum Kind : int {
-        ElementPassedOver = 0,       // an element without a reading where it stands, with all that it holds
-        AttributePassedOver = 1,     // an attribute without a reading: name, value
-        TextPassedOver = 2,          // the text of an element that has no use for one: value
-        ValueNotRead = 3,            // a text that is not of its form, and so counts as none: name, value
-        NodeNotMade = 4,             // the factory makes no node for the element, and the element around it ends there
-        NodeWithoutName = 5,         // a node element without a name
-        NodeWithoutKind = 6,         // a kind that nobody knows: value
-        TooManyPoints = 7,           // points of a route beyond the last that it has room for: their number is value
-        TransitionWithoutTarget = 8, // no sibling has the name: value
-        TransitionRepeated = 9,      // a second transition to the same block, name, has no connector in the list
+        ElementPassedOver = 0, // an element without a reading where it stands, with all that it holds; name is its own
+        AttributePassedOver = 1, // an attribute without a reading: name, value
+        TextPassedOver = 2,      // the text of an element that has no use for one: value
+        ValueNotRead = 3,        // a text that is not of its form, and so counts as none: name (of an attribute), value
+        NodeNotMade = 4,         // the factory makes no node for the element: what comes behind it there is unread
+        NodeWithoutName = 5,     // a node element or a task without a name
+        NodeWithoutKind = 6,     // a kind that nobody knows: value
+        TooManyPoints = 7,       // points of a route beyond the last that it has room for: their number is value
+        TransitionWithoutTarget = 8, // no sibling has the name: value; name is the transition's own
+        TransitionRepeated = 9, // one to the same block, value, is there already: the list takes no other connector
         TransitionsUnconnected = 10, // a group behind a sub-process: the transitions below it have no connectors
         NestedFolderMissing = 11,    // a sub-process without a definition of its own
         NestedFileBroken = 12,       // one whose definition cannot be read: error, line, column
         FolderCycle = 13,            // one whose definition is being read already
         NestingTooDeep = 14,         // one, or an element, beyond the bounds on depth and number
-        VariablesMissing = 15,       // no file of variables: nothing is read behind the definition
+        VariablesMissing = 15,       // no file of variables
         VariablesBroken = 16,        // one that cannot be read: error, line, column
         LayoutMissing = 17,          // no file of the layout
         LayoutBroken = 18,           // one that cannot be read: error, line, column
-        NestedProcessReplaced = 19,  // a sub-process without variables: what its element holds is read, and goes
-        ConnectorNotMade = 20,       // the factory makes no connector for a transition to the block: value
+        ElementLost = 19,            // a sub-process without variables: what its element holds does not reach its block
+        RouteCut = 21,               // a point at x 0 ends a route: the number of points from there on is value
+        ConnectorNotMade = 20,       // the factory makes no connector for a transition: value is its target
     };
     Kind kind = ElementPassedOver;
     TuString file;           // path of the file that has it, or that is missing or broken, as it was to be opened
     TuString place;          // path of the node that it concerns, identifiers joined by points; empty for a process
     IFCNode* node = nullptr; // that node; not owned, null when there is none (any more)
-    TuString element;        // tag of the element that it concerns; empty when the file as a whole is meant
+    TuString element;        // tag of the element that it concerns; empty when a file as a whole is meant
     TuString name;
     TuString value;
     TuString error; // what the parser said, and where; 0 where no place is known
@@ -120,15 +122,16 @@ private:
     struct Level;
     struct Inner;
 
-    // One function for each element form. False where the factory makes no node.
+    // One function for each element form. False where the factory makes no node. Where the element's own children are
+    // to be read next, `inner` says into which node.
     bool loadChild(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
     bool loadState(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, int kind, Inner& inner);
     bool loadGroup(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
     bool loadTaskNode(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, bool isDecision, Inner& inner);
-    void loadTask(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
     void loadType(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child);
     void loadDescription(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child);
     void loadSubProcess(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child);
+    void loadTask(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
     void loadEvent(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
     void loadHandler(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
     void loadReminder(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child);
@@ -143,15 +146,34 @@ private:
     bool open(std::vector<Level>& levels, XERCES_CPP_NAMESPACE::DOMElement* element, Inner const& inner);
     void close(std::vector<Level>& levels);
     IFCNode* makeNode(Level& level, XERCES_CPP_NAMESPACE::DOMElement* child, int kind);
-    void readSubProcess(IFCNode*& block, XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
-    bool readCompanions(TuString const& folder, IFCNode* node, bool needsVariables);
-    void connect(IFCNode* parent, IFCNode* child, CFCTransitionData* transition);
+    void readSubProcess(XERCES_CPP_NAMESPACE::DOMElement* child, Inner& inner);
+    void readVariables(TuString const& path, IFCNode* node);
+    void readLayout(TuString const& path, IFCNode* node);
+    void connect(IFCNode* parent, IFCNode* child, CFCTransitionData* transition, CFCConnector*& open);
 
     CFCWorkflowFinding& find(CFCWorkflowFinding::Kind kind, IFCNode* node,
                              XERCES_CPP_NAMESPACE::DOMElement* element = nullptr);
-    void findElement(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element);
+    void findElement(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element,
+                     CFCWorkflowFinding::Kind kind = CFCWorkflowFinding::ElementPassedOver);
+    void findNode(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element, std::u16string_view name);
     void findChildren(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element, std::u16string_view except = {});
     void findText(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element);
+    void findValue(CFCWorkflowFinding::Kind kind, IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element,
+                   std::u16string_view name, std::u16string_view value);
+    // An attribute of no use that holds something else than the usual text.
+    void findOther(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element, std::u16string_view name,
+                   XMLCh const* value, std::u16string_view usual);
+    void findNumber(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element, std::u16string_view name,
+                    std::u16string_view value);
+    // The attributes under none of the names; `known` of them have one of the first names.
+    void findAttributes(IFCNode* node, XERCES_CPP_NAMESPACE::DOMElement* element,
+                        std::span<std::u16string_view const> names, std::size_t known,
+                        std::span<std::u16string_view const> more = {});
+    void findRoot(XERCES_CPP_NAMESPACE::DOMElement* root, IFCNode* node);
+    void findTransition(CFCWorkflowFinding::Kind kind, IFCNode* child, CFCTransitionData* transition);
+    void findBroken(CFCWorkflowFinding::Kind kind, IFCNode* node, TuString const& path, CTXMLBaseReader const& reader);
+    void findUnconnected(IFCNode* sibling);
+    void forgetIcons();
 
     TuString m_strFilePath;
     TuString m_strBaseFolder;
