@@ -49,6 +49,7 @@ void CFCGPDReader::Attach(IFCNode* node) {
 bool CFCGPDReader::Parse(wchar_t const* path, IFCNode* node, int) {
     static constexpr AttributeTable kNames(u"name", u"Icon");
     TuString const file(path);
+    m_findings.clear();
     if (file.IsEmpty() || node == nullptr || !Initialize(file))
         return false;
     DOMElement* const root = m_pDocument->getDocumentElement();
@@ -84,6 +85,8 @@ bool CFCGPDReader::Load(DOMElement* element, IFCNode* node) {
             flowmere::readBorder(child, owner->GetFCBlockData());
         } else if (name == u"FONT") {
             loadFont(child, owner);
+        } else {
+            passOver(child, owner);
         }
     }
     return true;
@@ -93,8 +96,10 @@ IFCNode* CFCGPDReader::loadNode(DOMElement* element, IFCNode* node) {
     static constexpr AttributeTable kNames(u"name", u"Icon", u"x", u"y", u"width", u"height", u"IsImage", u"Image");
     AttributeRow const row(element, kNames);
     IFCNode* const found = node->FindNodeSimple(WideText(row.view(0)));
-    if (found == nullptr)
+    if (found == nullptr) {
+        m_findings.push_back({CFCLayoutFinding::NodeUnknown, node, TuString(WideText(row.view(0)).text())});
         return nullptr;
+    }
     setIcon(found, row[1]);
     int x = 0;
     int y = 0;
@@ -114,6 +119,30 @@ IFCNode* CFCGPDReader::loadNode(DOMElement* element, IFCNode* node) {
             block->SetRelativeImagePath(WideText(row.view(7)));
     }
     return found;
+}
+
+void CFCGPDReader::passOver(DOMElement* element, IFCNode* node) {
+    static constexpr AttributeTable kNames(u"x", u"y");
+    auto const tell = [&](DOMElement* lost) {
+        m_findings.push_back(
+            {CFCLayoutFinding::ElementPassedOver, node, TuString(WideText(flowmere::tagOf(lost)).text())});
+    };
+    std::u16string_view const name = flowmere::tagOf(element);
+    if (name == u"Status" || name == u"VARIABLES")
+        return;
+    if (name != u"edge") {
+        tell(element);
+        return;
+    }
+    for (DOMElement* child = flowmere::firstElement(element); child != nullptr; child = flowmere::nextElement(child)) {
+        AttributeRow const row(child, kNames);
+        int x = 0;
+        int y = 0;
+        row.integer(0, x);
+        row.integer(1, y);
+        if (flowmere::tagOf(child) != u"label" || x != 0 || y != 0)
+            tell(child);
+    }
 }
 
 // The font comes last of what says how a node looks, so the node is then ready to be drawn.

@@ -72,6 +72,15 @@ protected:
         return rect;
     }
 
+    // What the last read passed over: "tag below id" of elements, "?name below id" of nodes.
+    std::vector<std::string> findings() {
+        std::vector<std::string> texts;
+        for (CFCLayoutFinding const& finding : reader.GetLayoutFindings())
+            texts.push_back((finding.kind == CFCLayoutFinding::NodeUnknown ? "?" : "") + narrow(finding.name) +
+                            " below " + narrow(finding.node->GetNodeId()));
+        return texts;
+    }
+
     Tree tree;
     OpenReader reader;
 };
@@ -421,6 +430,8 @@ TEST_F(FCGPDReader, DrawingOfTheEnginesOwnEditorGivesTheRectanglesAndNothingMore
     EXPECT_EQ("33 15 165 51", rectOf(inner));
     EXPECT_EQ("84 312 205 349", rectOf(end));
     EXPECT_THAT(events, IsEmpty());
+    EXPECT_THAT(findings(), ElementsAre("label below pack", "bendpoint below pack", "label below order handling",
+                                        "deployment below flow"));
 }
 
 TEST_F(FCGPDReader, NodesAreDrawnAndAttachedOnlyBehindAFont) {
@@ -470,6 +481,34 @@ TEST_F(FCGPDReader, BorderAndFontOfANodeWithoutBlockDataAreSkipped) {
     EXPECT_TRUE(parseInside("<node name=\"A\" Icon=\"i\" x=\"1\" y=\"1\" width=\"1\" height=\"1\" IsImage=\"true\" "
                             "Image=\"i\"><BORDER Version=\"1\"/><FONT Version=\"1\"/></node>"));
     EXPECT_THAT(events, ElementsAre("rect"));
+}
+
+TEST_F(FCGPDReader, FindingsTellOfUnknownNodesAndElements) {
+    addTask(addTask(L"group", 161), L"inside");
+    EXPECT_TRUE(parseInside(R"(
+        <node name="nobody"><node name="inside"/><bendpoint/></node>
+        <node/>
+        <node-container name="group"><border/><node name="gone"/>
+          <edge><label x="0" y="0"/></edge><edge><label/></edge><edge><label x="1"/></edge><edge><label y="-1"/></edge>
+          <Status><State/><other/></Status><VARIABLES><VARIABLE/></VARIABLES><BORDER/><FONT/>
+        </node-container>)"));
+    EXPECT_THAT(findings(), ElementsAre("?nobody below flow", "? below flow", "border below group", "?gone below group",
+                                        "label below group", "label below group"));
+    OpenReader const copy(reader);
+    EXPECT_EQ(6U, copy.GetLayoutFindings().size());
+    EXPECT_FALSE(reader.Parse(L"", tree.get(), 16));
+    EXPECT_THAT(findings(), IsEmpty());
+}
+
+TEST_F(FCGPDReader, OwnDrawingsLeaveNoFindings) {
+    CFCBPMTaskNode* const task = addTask(addTask(L"group", 161), L"inside");
+    CFCVariableData* const variable = task->CreateNewVariable();
+    variable->SetVariableName(L"v");
+    variable->SetVisible(true);
+    EXPECT_TRUE(CFCGPDWriter().WriteFile(scratch.text("gpd.xml"), tree.get(), true));
+    EXPECT_EQ(1U, linesOf(scratch.read("gpd.xml"), "VARIABLE").size());
+    EXPECT_TRUE(reader.Parse(scratch.text("gpd.xml"), tree.get(), 16));
+    EXPECT_THAT(findings(), IsEmpty());
 }
 
 TEST_F(FCGPDReader, AttachForwardsToTheContainer) {
