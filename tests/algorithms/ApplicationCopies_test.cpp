@@ -139,6 +139,18 @@ TEST_F(ApplicationCopies, CloneSharesTheRecordsOfTheWorkflow) {
     EXPECT_EQ(application(clone)->GetEventList()->GetAt(0), event);
 }
 
+TEST(CFCApplicationNode, ACloneOutlivesItsSource) {
+    IFCNode* const source = make(167, L"A");
+    application(source)->CreateNewTransition();
+    application(source)->CreateNewArgument()->SetArgumentName(L"a");
+    application(source)->CreateNewDeployment()->CreateNewVariable();
+    Tree const clone(CFCApplicationNode::Clone(source));
+    CFCNodeHelper::DestroyTree(source);
+    ASSERT_NE(application(clone), nullptr);
+    EXPECT_EQ(argumentsOf(application(clone)), "a;");
+    EXPECT_EQ(application(clone)->GetDeploymentList()->GetHead()->GetVariableList()->GetCount(), 1);
+}
+
 TEST_F(ApplicationCopies, OfATaskCloneIsAnApplicationWithoutLists) {
     Tree const task(150, L"Task_02", L"Task");
     task->GetBPMBlockData()->SetUser(L"ada");
