@@ -269,8 +269,7 @@ TEST_F(FCProcessVarReaderTest, FlagsAreReadBothWays) {
 }
 
 TEST_F(FCProcessVarReaderTest, WhatAnElementLeavesOutIsAsInANewVariable) {
-    CFCVariableData const fresh;
-    auto& plain = const_cast<CFCVariableData&>(fresh);
+    CFCVariableData plain;
     CFCVariableData* const variable = readVariable("");
     EXPECT_STREQ(variable->GetVariableName(), L"");
     EXPECT_STREQ(variable->GetCaption(), L"");
