@@ -60,6 +60,11 @@
 
 #include "flowmere/workflow/FCGPDReader.h"
 #include "flowmere/workflow/FCGPDWriter.h"
+#include "flowmere/workflow/FCProcessDefinitionReader.h"
+#include "flowmere/workflow/FCProcessDefinitionWriter.h"
+#include "flowmere/workflow/FCProcessVarReader.h"
+#include "flowmere/workflow/FCProcessVarWriter.h"
+#include "flowmere/workflow/FCWorkFlowWriter.h"
 
 #include "flowmere/execution/FCCommand.h"
 #include "flowmere/execution/FCExecutionMechanism.h"
