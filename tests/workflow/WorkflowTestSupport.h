@@ -178,6 +178,14 @@ struct Element {
         }
         return found;
     }
+    // The first child of a name, null without one.
+    Element const* first(std::string const& child) const {
+        for (Element const& element : children) {
+            if (element.name == child)
+                return &element;
+        }
+        return nullptr;
+    }
     // The only child of a name; throws when there is none or more than one, so that the test fails.
     Element const& only(std::string const& child) const {
         Element const* found = nullptr;
