@@ -5,6 +5,7 @@
 #include "flowmere/Export.h"
 #include "flowmere/Version.h"
 
+#include "flowmere/foundation/FCModule.h"
 #include "flowmere/foundation/TuConsole.h"
 #include "flowmere/foundation/TuDate.h"
 #include "flowmere/foundation/TuFileUtl.h"
@@ -56,10 +57,12 @@
 #include "flowmere/persistence/FCProcessListReader.h"
 #include "flowmere/persistence/FCProcessListWriter.h"
 #include "flowmere/persistence/FCReader.h"
+#include "flowmere/persistence/FCUtility.h"
 #include "flowmere/persistence/FCWriter.h"
 
 #include "flowmere/workflow/FCGPDReader.h"
 #include "flowmere/workflow/FCGPDWriter.h"
+#include "flowmere/workflow/FCMSPReader.h"
 #include "flowmere/workflow/FCProcessDefinitionReader.h"
 #include "flowmere/workflow/FCProcessDefinitionWriter.h"
 #include "flowmere/workflow/FCProcessVarReader.h"
