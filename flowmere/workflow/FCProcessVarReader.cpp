@@ -148,15 +148,18 @@ void CFCProcessVarReader::bindDataType(CFCVariableData* variable, TuString& type
     }
     description->SetType(typeName);
     IFCNode* const found = findCatalogEntry(typeName);
-    if (found == nullptr) {
-        description->SetNodeCaption(typeName);
-    } else if (found->GetNodeType() != kFileType) {
-        // A host may have hung nodes of other classes into the catalog: they bind nothing.
-        CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(found), description);
-    } else if (auto* const fileType = dynamic_cast<CFCFileTypeNode*>(found)) {
+    bool const isFileType = found != nullptr && found->GetNodeType() == kFileType;
+    auto* const fileType = isFileType ? dynamic_cast<CFCFileTypeNode*>(found) : nullptr;
+    auto* const dataType = isFileType ? nullptr : dynamic_cast<CFCDataTypeNode*>(found);
+    if (fileType != nullptr) {
         variable->SetFileType(true);
-        CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(found->GetParentNode()), description);
+        CFCDataTypeNode::Copy(dynamic_cast<CFCDataTypeNode*>(fileType->GetParentNode()), description);
         CFCFileTypeNode::Copy(fileType, variable->GetFileTypeNode());
+    } else if (dataType != nullptr) {
+        CFCDataTypeNode::Copy(dataType, description);
+    } else {
+        // Also where a host hung a node of another class into the catalog.
+        description->SetNodeCaption(typeName);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/persistence/FCDataTypeListReader.h"
 
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <string_view>
@@ -253,18 +254,25 @@ TEST_F(FCProcessVarReaderTest, EveryAttributeOfAVariableIsRead) {
     EXPECT_EQ(variable->GetParentNode(), root->FindNodeSimple(L"Task_01"));
 }
 
-TEST_F(FCProcessVarReaderTest, FlagsAreReadBothWays) {
-    for (bool const on : {false, true}) {
-        std::string const word = on ? "=\"true\" " : "=\"false\" ";
-        CFCVariableData* const variable =
-            readVariable("Name=\"x\" Displayable" + word + "Array" + word + "Editable" + word + "storeInDB" + word +
-                         "isReference" + word + "isModified" + word);
-        EXPECT_EQ(variable->IsVisible(), on);
-        EXPECT_EQ(variable->IsArray(), on);
-        EXPECT_EQ(variable->IsEditable(), on);
-        EXPECT_EQ(variable->IsStoreDB(), on);
-        EXPECT_EQ(variable->IsRefrence(), on);
-        EXPECT_FALSE(variable->IsModified());
+TEST_F(FCProcessVarReaderTest, EachFlagIsReadBothWaysForItself) {
+    struct Row {
+        char const* name;
+        bool (CFCVariableData::*get)();
+    };
+    Row const rows[] = {
+        {"Displayable", &CFCVariableData::IsVisible},  {"Array", &CFCVariableData::IsArray},
+        {"Editable", &CFCVariableData::IsEditable},    {"storeInDB", &CFCVariableData::IsStoreDB},
+        {"isReference", &CFCVariableData::IsRefrence},
+    };
+    for (Row const& odd : rows) {
+        for (bool const on : {false, true}) {
+            std::string attributes;
+            for (Row const& row : rows)
+                attributes += std::string(row.name) + ((&row == &odd) == on ? "=\"true\" " : "=\"false\" ");
+            CFCVariableData* const variable = readVariable(attributes);
+            for (Row const& row : rows)
+                EXPECT_EQ((variable->*row.get)(), (&row == &odd) == on) << row.name << " in " << attributes;
+        }
     }
 }
 
@@ -299,6 +307,24 @@ TEST_F(FCProcessVarReaderTest, StatusesAndScopesAreReadByExactName) {
                                                   {"connected", 0}, {"Odd", 0},     {"", 0}};
     for (auto const& [name, scope] : scopes)
         EXPECT_EQ(readVariable("Scope=\"" + std::string(name) + "\"")->GetScopeType(), scope) << name;
+}
+
+// In a process of its own: once anything has asked for them, the names are known to all.
+TEST(FCProcessVarReader, NamesOfStatusesAndScopesAreKnownToTheFirstReader) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            bool good = false;
+            {
+                Tree const root = makeRoot();
+                CFCProcessVarReader().LoadVariable(Parsed(R"(<V IOType="Output" Scope="Global"/>)").root(), root.get(),
+                                                   false);
+                CFCVariableData* const variable = variablesOf(root.get()).front();
+                good = variable->GetStatusType() == EStatusType_Output && variable->GetScopeType() == EScopeType_Global;
+            }
+            std::exit(good ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(FCProcessVarReaderTest, ATypeOtherThanDataTakesThePlaceOfTheDataType) {
@@ -476,22 +502,25 @@ TEST_F(FCProcessVarReaderTest, EachTypeIsLookedForOnceHoweverManyVariablesHaveIt
     EXPECT_EQ(counting.looks, 2) << "by type and by caption";
 }
 
-TEST_F(FCProcessVarReaderTest, EntriesOfAHostsOwnClassBindNothing) {
+TEST_F(FCProcessVarReaderTest, EntriesOfAHostsOwnClassAreAsThoughTheyWereNotThere) {
     useCatalog();
     IFCNode* last = CFCDataTypeListReader::GetDataTypeRootNode();
     while (last->GetNext() != nullptr)
         last = last->GetNext();
-    CFCFileNode odd;
-    odd.SetNodeCaption(L"Odd");
-    last->SetNext(&odd);
-    for (int const kind : {83, 70}) {
-        odd.SetNodeType(kind);
-        CFCVariableData* const variable = readVariable(R"(Type="Data" DataType="Odd")");
-        EXPECT_FALSE(variable->IsFileType());
-        EXPECT_STREQ(variable->GetDataTypeNode()->GetType(), L"Odd");
-        EXPECT_STREQ(variable->GetDataTypeNode()->GetNodeCaption(), L"");
+    CFCFileNode plain;
+    CFCDataTypeNode dataType;
+    CFCFileTypeNode fileType;
+    std::pair<IFCNode*, int> const rows[] = {{&plain, 83}, {&plain, 70}, {&dataType, 83}, {&fileType, 70}};
+    for (auto const& [odd, kind] : rows) {
+        odd->SetNodeCaption(L"Odd");
+        odd->SetNodeType(kind);
+        last->SetNext(odd);
+        CFCVariableData* const variable = readVariable(R"(Type="Data" DataType="oDD")");
+        EXPECT_FALSE(variable->IsFileType()) << kind;
+        EXPECT_STREQ(variable->GetDataTypeNode()->GetType(), L"oDD") << kind;
+        EXPECT_STREQ(variable->GetDataTypeNode()->GetNodeCaption(), L"oDD") << kind;
+        last->SetNext(nullptr);
     }
-    last->SetNext(nullptr);
 }
 
 namespace {
