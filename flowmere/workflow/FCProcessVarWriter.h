@@ -26,7 +26,8 @@ public:
     // The children, oldest first; none for a sub-process that is not the root of the file, for its blocks have a file
     // of their own.
     virtual void WriteChildren(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element);
-    // Name and variables. A block without an identifier stays empty.
+    // Name and variables, and for an application its deployments and arguments. A block without an identifier gets
+    // nothing.
     virtual void WriteProperties(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element);
     // The node and what lies below it; a null `own` creates the element below `parent`. Nothing for a type that has no
     // element, or without either element.

@@ -216,6 +216,20 @@ TEST_F(FCProcessVarWriterTest, ABlockWithoutIdKeepsAnElementWithoutContent) {
     }
 }
 
+TEST_F(FCProcessVarWriterTest, AGroupWithoutIdKeepsItsBlocksAlone) {
+    for (int const kind : {161, 168}) {
+        Tree const root = makeRoot();
+        IFCNode* const group = addNode(root.get(), kind, L"", L"Caption");
+        addVariable(group, L"x");
+        addVariable(addNode(group, 150, L"Inner"), L"y");
+        Element const file = written(root.get());
+        EXPECT_EQ(outlineOf(file), "0PROCESS 1PROCESS_VARIABLES 1BLOCK_VARIABLES 2SUB_PROCESS 3BLOCK 4VARIABLE ")
+            << kind;
+        EXPECT_EQ(theOnly(file, "SUB_PROCESS")["Name"], "(absent)") << kind;
+        EXPECT_EQ(theOnly(file, "VARIABLE")["Name"], "y") << kind;
+    }
+}
+
 TEST_F(FCProcessVarWriterTest, EveryAttributeOfAVariableIsWritten) {
     Tree const root = makeRoot();
     IFCNode* const block = addNode(root.get(), 150, L"Task_01");
