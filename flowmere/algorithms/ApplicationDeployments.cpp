@@ -135,8 +135,7 @@ void CFCApplicationNode::UpdateDeploymentFolder(wchar_t const* file) {
     if (file == nullptr) {
         return;
     }
-    TuString const source(file); // may be the result of GetPath
-    TuFileUtl const original(source, 0);
+    TuFileUtl const original(file, 0); // keeps its own text: the given one may be the result of GetPath
     TuString const root(GetPath());
     forEachDeployment(m_DeploymentList, [&](CFCDeploymentData* deployment) {
         TuString folder = root + L"\\" + TuString(deployment->GetNodeCaption());

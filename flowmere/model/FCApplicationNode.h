@@ -14,9 +14,9 @@ class IFCNode;
 // output patterns, command lines and deployments; its variables of nature "Deployment" stand, with values of their own,
 // in each deployment, and the scripts and files that they name lie in the folder of each deployment on disk.
 //
-// Texts start empty where nothing else is told, setters copy them, and a null text is the empty text. The four lists
-// are embedded: never null. Their elements stay allocated until the list's own DeleteNode and DeleteAll or
-// CFCNodeHelper::DestroyTree delete them.
+// Texts start empty where nothing else is told, setters copy them, and a null text is the empty text. A text result
+// points into the node and holds until that member changes. The four lists are embedded: never null. Their elements
+// stay allocated until the list's own DeleteNode and DeleteAll or CFCNodeHelper::DestroyTree delete them.
 //
 // GetExecutable and GetDeployment(name) answer from the variables and the deployments. The texts of the same names that
 // documents carry are those of the workflow record, and are reached through CFCBPMBlockData.
@@ -89,8 +89,9 @@ public:
     // marks these deployments as modified.
     void ClearDeploymentVars();
     // Brings a variable of the application into every deployment: as a new copy, or as a value where the deployment has
-    // an empty one. The deployment's own value wins. For a file or a binding script the file goes into the folder of
-    // each deployment. Nothing for null.
+    // an empty one. The deployment's own value wins; what changes is marked as modified, deployment and entry. For a
+    // file or a binding script the file, that of the user, else the shared one, else the application's own, goes into
+    // the folder of each deployment. Nothing for null and without deployments.
     void UpdateDeploymentVariable(CFCVariableData* variable);
     // Makes the folder of each deployment and copies the file there under its own name. Null does nothing, and what
     // cannot be copied is passed over in silence.
@@ -116,6 +117,7 @@ public:
     // Fills the nine templates below.
     void Initialize();
 
+    // The templates as they are now; empty before Initialize.
     wchar_t const* GetJobTemplate() { return m_strJobTemplate; }
     wchar_t const* GetArgumentTemplate() { return m_strArgumentTemplate; }
     wchar_t const* GetPathTemplate() { return m_strPathTemplate; }
@@ -133,7 +135,7 @@ private:
     CFCPatternList m_PatternList;
     CFCCmdLineList m_CmdLineList;
     CFCDeploymentList m_DeploymentList;
-    std::map<int, TuString> m_ReservedMap; // a place for the host's own use, copied and destroyed with the node
+    std::map<int, TuString> m_ReservedMap; // no use yet; copied and destroyed with the node
     TuString m_strAppType = L"Application";
     int m_nNewVersion = 0;
     int m_nUpdated = 0;
