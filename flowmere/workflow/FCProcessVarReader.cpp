@@ -41,6 +41,7 @@ bool CFCProcessVarReader::Parse(wchar_t const* path, IFCNode* node, int) {
         return false;
     }
     forgetCatalog();
+    CFCEnumTranslator::SetArrays();
     if (!Initialize(file)) {
         return false;
     }
@@ -96,8 +97,6 @@ void CFCProcessVarReader::LoadVariable(DOMElement* element, IFCNode* node, bool 
     if (variable == nullptr) {
         return;
     }
-    // Names of statuses and scopes mean nothing before.
-    CFCEnumTranslator::SetArrays();
     AttributeRow const row(element, kNames);
     int id = variable->GetVariableID();
     bool isVisible = variable->IsVisible();
