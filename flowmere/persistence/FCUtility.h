@@ -34,7 +34,7 @@ public:
     // Process lists.
     static bool CFCProcessListReader_Parse(CFCNodeFactory& factory, wchar_t const* path, CFCProcessList* list,
                                            wchar_t const* baseDirectory);
-    // `bpmList` tells that the list is one of workflow processes.
+    // `bpmList` tells that the list is one of workflow processes; the file is the same either way.
     static bool CFCProcessListWriter_WriteFile(wchar_t const* path, IFCNode* node, bool deep, bool writeAll,
                                                bool bpmList);
 

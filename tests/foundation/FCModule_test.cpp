@@ -140,6 +140,7 @@ protected:
         std::exit(0);
     }
     static void printToError() {
+        std::fflush(stdout);
         if (dup2(STDERR_FILENO, STDOUT_FILENO) < 0)
             fail("no output");
     }
@@ -193,6 +194,18 @@ TEST_F(LoadedModule, WithoutThePinAndWithoutTheWarningGoesInSilence) {
             end(isLoaded(FLOWMERE_UNPINNED_MODULE) ? "still there" : "gone");
         },
         testing::ExitedWithCode(0), "^gone$");
+}
+
+TEST_F(LoadedModule, WithoutAStampOfTheBuildHasTheHashZero) {
+    EXPECT_EXIT(
+        {
+            void* const handle = load(FLOWMERE_UNPINNED_MODULE);
+            auto const info = reinterpret_cast<InfoFunction>(dlsym(handle, "Flowmere_get_module_info"));
+            if (info == nullptr || info(1) != std::string(flowmere::versionText()) + ".0")
+                fail("another version");
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), "^$");
 }
 
 TEST_F(LoadedModule, SaysNothingWhenTheProcessEnds) {
