@@ -1,5 +1,6 @@
 #include "flowmere/workflow/FCProcessDefinitionWriter.h"
 
+#include "flowmere/algorithms/TreeWalk.h"
 #include "flowmere/foundation/Immortal.h"
 #include "flowmere/foundation/TuFileUtl.h"
 #include "flowmere/model/FCActionData.h"
@@ -22,6 +23,7 @@
 #include <cstdint>
 #include <string_view>
 
+using flowmere::viewOf;
 using XERCES_CPP_NAMESPACE::DOMElement;
 using XERCES_CPP_NAMESPACE::DOMNode;
 
@@ -38,12 +40,8 @@ constexpr int kMaxObjectDepth = flowmere::kMaxElementDepth - 3;
 constexpr int kMaxFolderDepth = 256;
 constexpr int kMaxTotalDepth = 2000;
 
-std::wstring_view view(wchar_t const* text) {
-    return text != nullptr ? std::wstring_view(text) : std::wstring_view();
-}
-
 void setText(DOMNode* element, flowmere::XmlName name, wchar_t const* text) {
-    flowmere::setText(element, name, view(text));
+    flowmere::setText(element, name, viewOf(text));
 }
 
 void setDate(DOMNode* element, flowmere::XmlName name, TuDate date) {
@@ -66,16 +64,9 @@ void setWord(DOMNode* element, flowmere::XmlName name, bool value) {
 
 DOMElement* appendTextElement(DOMNode* parent, flowmere::XmlName name, wchar_t const* text) {
     DOMElement* const element = flowmere::appendElement(parent, name);
-    if (element != nullptr && !view(text).empty())
-        flowmere::appendText(element, view(text));
+    if (element != nullptr && !viewOf(text).empty())
+        flowmere::appendText(element, viewOf(text));
     return element;
-}
-
-TuString nameOf(IFCNode* node) {
-    TuString name(node->GetNodeId());
-    if (name.IsEmpty())
-        name = node->GetNodeCaption();
-    return name;
 }
 
 bool isProcess(int kind) {
@@ -107,7 +98,7 @@ void forEachRecord(CFCNodeList* list, Visit const& visit) {
 }
 
 bool isNamed(CFCActionData* record) {
-    return record != nullptr && !view(record->GetActionName()).empty();
+    return record != nullptr && !viewOf(record->GetActionName()).empty();
 }
 
 // An "action" or a "script" with what every record has.
@@ -124,14 +115,14 @@ DOMElement* appendRecord(DOMNode* parent, flowmere::XmlName tag, CFCActionData* 
 void appendScript(DOMNode* parent, flowmere::XmlName tag, CFCActionData* record) {
     if (DOMElement* const element = appendRecord(parent, tag, record)) {
         setText(element, u"expression", record->GetActionExpression());
-        if (!view(record->GetActionValue()).empty())
-            flowmere::appendText(element, view(record->GetActionValue()));
+        if (!viewOf(record->GetActionValue()).empty())
+            flowmere::appendText(element, viewOf(record->GetActionValue()));
     }
 }
 
 // Events on which the engine calls a function of the block's script.
 bool callsFunction(wchar_t const* type) {
-    std::wstring_view const text = view(type);
+    std::wstring_view const text = viewOf(type);
     return text == L"task-start" || text == L"task-end" || text == L"custom" || text == L"decide";
 }
 
@@ -147,7 +138,7 @@ void writeScriptEvent(DOMNode* parent, CFCBPMBlockData* task) {
 }
 
 void writeEvents(DOMNode* parent, CFCBPMBlockData* task) {
-    if (isEmpty(task->GetEventList()) && view(task->GetEventType()).empty() && !view(task->GetModulePath()).empty())
+    if (isEmpty(task->GetEventList()) && viewOf(task->GetEventType()).empty() && !viewOf(task->GetModulePath()).empty())
         writeScriptEvent(parent, task);
     forEachRecord(task->GetEventList(), [&](CFCActionData* record) {
         DOMElement* const event = flowmere::appendElement(parent, u"event");
@@ -171,27 +162,31 @@ void writeEvents(DOMNode* parent, CFCBPMBlockData* task) {
     });
 }
 
+// Each record has its element, which stays empty without a name, so that none is lost on the way back.
+void writeHandlers(DOMNode* parent, flowmere::XmlName tag, CFCExceptionList* list) {
+    forEachRecord(list, [parent, tag](CFCActionData* record) {
+        if (isNamed(record))
+            appendScript(parent, tag, record);
+        else if (record != nullptr)
+            flowmere::appendElement(parent, tag);
+    });
+}
+
 void writeExceptionHandler(DOMNode* parent, CFCBPMBlockData* task) {
     CFCExceptionList* const actions = task->GetActionExceptionList();
     CFCExceptionList* const scripts = task->GetScriptExceptionList();
-    if (isEmpty(actions) && isEmpty(scripts) && view(task->GetExceptionClass()).empty())
+    if (isEmpty(actions) && isEmpty(scripts) && viewOf(task->GetExceptionClass()).empty())
         return;
     DOMElement* const handler = flowmere::appendElement(parent, u"exception-handler");
     if (handler == nullptr)
         return;
     setText(handler, u"exception-class", task->GetExceptionClass());
-    forEachRecord(actions, [handler](CFCActionData* record) {
-        if (isNamed(record))
-            appendScript(handler, u"action", record);
-    });
-    forEachRecord(scripts, [handler](CFCActionData* record) {
-        if (isNamed(record))
-            appendScript(handler, u"script", record);
-    });
+    writeHandlers(handler, u"action", actions);
+    writeHandlers(handler, u"script", scripts);
 }
 
 void writeTimer(DOMNode* parent, CFCBPMBlockData* task) {
-    if (isEmpty(task->GetTimerList()) && view(task->GetTimerName()).empty())
+    if (isEmpty(task->GetTimerList()) && viewOf(task->GetTimerName()).empty())
         return;
     DOMElement* const timer = flowmere::appendElement(parent, u"timer");
     if (timer == nullptr)
@@ -447,16 +442,16 @@ void CFCProcessDefinitionWriter::WriteProperties(IFCNode* node, DOMNode* element
     if (node->GetFCBlockData() == nullptr || task == nullptr)
         return;
     node->TransferToData();
-    TuString const name = nameOf(node);
+    TuString const name = flowmere::nodeNameOf(node);
     if (name.IsEmpty())
         return;
     setText(element, u"name", name);
     setText(element, u"label", task->GetTaskCaption());
     if (kind == eShapeType_SubProcessLoop || kind == eShapeType_DecisionLoop)
         flowmere::setInteger(element, u"max-iterations", task->GetMaxIterations());
-    if (!view(task->GetIconFilePath()).empty())
+    if (!viewOf(task->GetIconFilePath()).empty())
         setText(element, u"icon", task->GetIconFilePath());
-    if (!view(node->GetNodeDescription()).empty())
+    if (!viewOf(node->GetNodeDescription()).empty())
         appendTextElement(element, u"description", node->GetNodeDescription());
     if (hasTask(kind)) {
         if (flowmere::isSubProcessKind(kind)) {
@@ -472,7 +467,7 @@ void CFCProcessDefinitionWriter::WriteProperties(IFCNode* node, DOMNode* element
         if (!type.IsEmpty())
             setText(element, u"nodeType", type);
         WriteApplication(node, element, name);
-        if (!view(task->GetTaskName()).empty())
+        if (!viewOf(task->GetTaskName()).empty())
             WriteTask(node, element, name);
     }
     WriteTransitions(node, element, name);
@@ -486,7 +481,7 @@ void CFCProcessDefinitionWriter::WriteProperties(IFCNode* node, DOMNode* element
 void CFCProcessDefinitionWriter::WritePropertiesRoot(IFCNode* node, DOMNode* element) {
     if (node == nullptr || element == nullptr)
         return;
-    TuString name = nameOf(node);
+    TuString name = flowmere::nodeNameOf(node);
     if (name.IsEmpty())
         name = L"allblocks";
     IFCNode* const top = node->GetRootNode();
@@ -559,7 +554,7 @@ void CFCProcessDefinitionWriter::WriteTask(IFCNode* node, DOMNode* element, TuSt
     writeTaskSchedule(own, task);
     writeTaskWork(own, task);
     writeFormSize(own, task);
-    if (!view(task->GetTaskDescription()).empty())
+    if (!viewOf(task->GetTaskDescription()).empty())
         appendTextElement(own, u"description", task->GetTaskDescription());
     writeReminder(own, element, task);
 }

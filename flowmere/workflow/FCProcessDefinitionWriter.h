@@ -33,8 +33,9 @@ public:
     // The children, oldest first; none for a sub-process that is not the root of this file, for its blocks have a file
     // of their own.
     virtual void WriteChildren(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element);
-    // Attributes and fixed children of a node: its task, transitions, events, exception handler and timer. Of a
-    // sub-process the files of its own folder are written here.
+    // Attributes and fixed children of a node: its task, transitions, events, exception handler and timer. A workflow
+    // node is told to take over what its drawing knows (TransferToData) first. Of a sub-process the files of its own
+    // folder are written here.
     virtual void WriteProperties(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element);
     // The node and, in a recursive write, all below it; a null `own` creates the element below `parent`. Nothing for a
     // kind that has no element, or without either element.
@@ -58,12 +59,12 @@ protected:
     // whose points become slashes. The base alone for an empty path, null without a base. The text is shared by all
     // writers: each call overwrites that of the one before.
     wchar_t const* GetCompleteHierarchy(wchar_t const* path);
-    // Name of the kind of task; empty for kinds without one.
+    // Name of the kind of task; empty for kinds without one and for a null node.
     void GetNodeTypeString(IFCNode* node, TuString& out);
     // Takes the hierarchy base out of the base folder: what follows the folder of all workflows, with slashes. Empty
     // for a folder outside.
     void SetHierarchyPath();
-    // One "POINT"; false for a null point.
+    // Appends one "POINT"; false for a null point.
     bool WritePoint(_TgPointLStr* point, XERCES_CPP_NAMESPACE::DOMNode* parent);
 
     TuString m_strFilePath;

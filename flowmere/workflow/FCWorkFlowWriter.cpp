@@ -1,5 +1,6 @@
 #include "flowmere/workflow/FCWorkFlowWriter.h"
 
+#include "flowmere/algorithms/TreeWalk.h"
 #include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCCatalogNodes.h"
@@ -15,8 +16,7 @@
 
 #include <xercesc/dom/DOM.hpp>
 
-#include <string_view>
-
+using flowmere::viewOf;
 using XERCES_CPP_NAMESPACE::DOMElement;
 using XERCES_CPP_NAMESPACE::DOMNode;
 
@@ -28,19 +28,8 @@ constexpr int kMaxObjectDepth = flowmere::kMaxElementDepth - 3;
 constexpr int kMaxGroupDepth = flowmere::kMaxElementDepth - 4;
 constexpr int kStatusWithoutValue = 4;
 
-std::wstring_view view(wchar_t const* text) {
-    return text != nullptr ? std::wstring_view(text) : std::wstring_view();
-}
-
 void setText(DOMNode* element, flowmere::XmlName name, wchar_t const* text) {
-    flowmere::setText(element, name, view(text));
-}
-
-TuString nameOf(IFCNode* node) {
-    TuString name(node->GetNodeId());
-    if (name.IsEmpty())
-        name = node->GetNodeCaption();
-    return name;
+    flowmere::setText(element, name, viewOf(text));
 }
 
 bool hasVariables(int kind) {
@@ -99,7 +88,7 @@ bool CFCWorkFlowWriter::WriteFile(wchar_t const* path, IFCNode* tasks, IFCNode* 
 void CFCWorkFlowWriter::WritePropertiesRoot(IFCNode* node, DOMNode* element) {
     if (node == nullptr || element == nullptr)
         return;
-    TuString name = nameOf(node);
+    TuString name = flowmere::nodeNameOf(node);
     if (name.IsEmpty())
         name = L"allblocks";
     setText(element, u"name", name);
@@ -115,7 +104,7 @@ void CFCWorkFlowWriter::WriteApplications(IFCNode* node, DOMNode* element) {
         int const kind = child->GetNodeType();
         if (kind == eShapeType_ApplicationGroup && child->GetChild() != nullptr) {
             if (DOMElement* const group = flowmere::appendElement(element, u"applications")) {
-                setText(group, u"name", nameOf(child));
+                setText(group, u"name", flowmere::nodeNameOf(child));
                 WriteApplications(child, group);
             }
         } else if (kind == eShapeType_Application) {
@@ -132,7 +121,7 @@ void CFCWorkFlowWriter::WriteApplicationNode(IFCNode* node, DOMNode* parent) {
     DOMElement* const element = node != nullptr ? flowmere::appendElement(parent, u"application") : nullptr;
     if (element == nullptr)
         return;
-    setText(element, u"name", nameOf(node));
+    setText(element, u"name", flowmere::nodeNameOf(node));
     DOMElement* const variables = flowmere::appendElement(element, u"variables");
     DOMElement* const commandLine = flowmere::appendElement(element, u"commandline");
     // Documents give the kind of an application to plain tasks as well.
@@ -165,13 +154,13 @@ void CFCWorkFlowWriter::WriteVariables(IFCNode* node, DOMNode* element, bool all
         return;
     for (__FCPOSITION* position = list->GetHeadPosition(); position != nullptr;) {
         CFCVariableData* const variable = list->GetNext(position);
-        if (variable != nullptr && (all || view(variable->GetVariableName()) != L"ActiveSetup"))
+        if (variable != nullptr && (all || viewOf(variable->GetVariableName()) != L"ActiveSetup"))
             WriteVariable(variable, element);
     }
 }
 
 void CFCWorkFlowWriter::WriteVariable(CFCVariableData* variable, DOMNode* parent) {
-    if (variable == nullptr || view(variable->GetVariableName()).empty())
+    if (variable == nullptr || viewOf(variable->GetVariableName()).empty())
         return;
     DOMElement* const element = flowmere::appendElement(parent, u"variable");
     if (element == nullptr)
@@ -249,7 +238,7 @@ void CFCWorkFlowWriter::WriteProperties(IFCNode* node, DOMNode* element) {
     CFCBPMBlockData* const task = node != nullptr && element != nullptr ? node->GetBPMBlockData() : nullptr;
     if (task == nullptr || node->GetFCBlockData() == nullptr)
         return;
-    TuString const name = nameOf(node);
+    TuString const name = flowmere::nodeNameOf(node);
     if (name.IsEmpty())
         return;
     setText(element, u"name", name);
@@ -258,8 +247,8 @@ void CFCWorkFlowWriter::WriteProperties(IFCNode* node, DOMNode* element) {
         GetNodeTypeString(node, type);
         if (!type.IsEmpty())
             setText(element, u"nodeType", type);
-        if (!view(task->GetTaskName()).empty()) {
-            if (!view(task->GetApplication()).empty())
+        if (!viewOf(task->GetTaskName()).empty()) {
+            if (!viewOf(task->GetApplication()).empty())
                 setText(element, u"application", task->GetApplication());
             setText(element, u"name", name);
         }

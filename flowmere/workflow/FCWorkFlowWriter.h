@@ -48,7 +48,8 @@ public:
     void WritePropertiesRoot(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element);
     // One "application" below the element, with its variables and arguments.
     void WriteApplication(CFCApplicationNode* application, XERCES_CPP_NAMESPACE::DOMNode* element);
-    // The applications below the node, in list order, and the groups that hold any, with theirs.
+    // The applications below the node, in list order, and the groups that have children, with what applications and
+    // groups are among those.
     void WriteApplications(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element);
 
 protected:
@@ -60,7 +61,7 @@ protected:
     void WriteArgument(CFCArgumentData* argument, XERCES_CPP_NAMESPACE::DOMNode* parent);
     // The arguments of an application; nothing for any other node.
     void WriteArguments(XERCES_CPP_NAMESPACE::DOMNode* element, IFCNode* node);
-    // Name of the kind of task; empty for kinds without one.
+    // Name of the kind of task; empty for kinds without one and for a null node.
     void GetNodeTypeString(IFCNode* node, TuString& out);
 
     TuString m_strFilePath;

@@ -1,5 +1,6 @@
 #include "flowmere/workflow/WorkflowFile.h"
 
+#include "flowmere/model/FCEnumerations.h"
 #include "flowmere/xml/XmlFile.h"
 
 #include <string_view>
@@ -8,10 +9,6 @@ namespace flowmere {
 
 namespace {
 
-constexpr int kPlainBlock = 57;
-constexpr int kFirstSubProcess = 162;
-constexpr int kLastSubProcess = 165;
-
 struct TaskKind {
     int kind;
     wchar_t const* name;
@@ -19,18 +16,18 @@ struct TaskKind {
 
 // These stand in files: never change them.
 constexpr TaskKind kTaskKinds[] = {
-    {150, L"task"},
-    {153, L"decisionTask"},
-    {162, L"iteratingLoopSubProcess"},
-    {163, L"decisionLoopSubProcess"},
-    {164, L"spawningSubProcess"},
-    {165, L"basicSubProcess"},
+    {eShapeType_Task, L"task"},
+    {eShapeType_DecisionTask, L"decisionTask"},
+    {eShapeType_SubProcessLoop, L"iteratingLoopSubProcess"},
+    {eShapeType_DecisionLoop, L"decisionLoopSubProcess"},
+    {eShapeType_SpawningLoop, L"spawningSubProcess"},
+    {eShapeType_BasicSubProcess, L"basicSubProcess"},
 };
 
 } // namespace
 
 bool isSubProcessKind(int kind) noexcept {
-    return kind >= kFirstSubProcess && kind <= kLastSubProcess;
+    return kind >= eShapeType_SubProcessLoop && kind <= eShapeType_BasicSubProcess;
 }
 
 wchar_t const* workflowNodeTypeName(int kind) noexcept {
@@ -43,13 +40,13 @@ wchar_t const* workflowNodeTypeName(int kind) noexcept {
 }
 
 int workflowNodeTypeFromName(wchar_t const* name) {
-    std::wstring_view const text = name != nullptr ? std::wstring_view(name) : std::wstring_view();
+    std::wstring_view const text = viewOf(name);
     for (TaskKind const& row : kTaskKinds) {
         if (text == row.name) {
             return row.kind;
         }
     }
-    return kPlainBlock;
+    return eShapeType_Block;
 }
 
 bool writeWorkflowFile(wchar_t const* path, wchar_t const* rootName,
@@ -70,6 +67,14 @@ TuString folderOfFile(TuString const& path) {
         return {};
     }
     return path.Left(separator == 0 ? 1 : separator);
+}
+
+TuString nodeNameOf(IFCNode* node) {
+    TuString name(node->GetNodeId());
+    if (name.IsEmpty()) {
+        name = node->GetNodeCaption();
+    }
+    return name;
 }
 
 TuString joinFolder(TuString const& folder, wchar_t const* name) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flowmere/algorithms/TreeWalk.h"
 #include "flowmere/foundation/TuString.h"
 #include "flowmere/model/FCNode.h"
 #include "flowmere/xml/XmlForward.h"
@@ -27,36 +28,31 @@ bool writeWorkflowFile(wchar_t const* path, wchar_t const* rootName,
 // Pretty-prints a file into the path with each ".xml" replaced by ".for"; nothing happens when it cannot be read.
 void formatWorkflowFile(wchar_t const* path);
 
-// The folder of a file: its path up to the last slash or, without a slash, up to the last backslash. The empty text for
-// a plain file name; the separator itself for a file in the topmost folder.
+// The folder of a file: its path up to the last slash or, without any slash, up to the last backslash. The empty text
+// for a plain file name; the separator itself for a file in the topmost folder.
 TuString folderOfFile(TuString const& path);
 
 // The path of a file in a folder, behind a backslash. A plain name stays one when there is no folder: it must not land
 // in the topmost folder.
 TuString joinFolder(TuString const& folder, wchar_t const* name);
 
+// The name by which files know a node: its identifier or, without one, its caption.
+TuString nodeNameOf(IFCNode* node);
+
 // Calls `visit` for the children from the last to the first, the order in which they came to be. A chain whose links
 // form a ring counts as empty.
 template <typename Visit>
 void visitChildrenFromLast(IFCNode* node, Visit const& visit) {
     IFCNode* const first = node != nullptr ? node->GetChild() : nullptr;
-    IFCNode* last = first;
-    IFCNode* checkpoint = first;
-    std::size_t count = 1;
-    std::size_t limit = 2;
-    while (last != nullptr) {
-        IFCNode* const next = last->GetNext();
-        if (next == nullptr) {
-            break;
-        }
-        if (next == checkpoint) {
+    IFCNode* last = nullptr;
+    std::size_t count = 0;
+    CircleGuard<IFCNode> guard;
+    for (IFCNode* child = first; child != nullptr; child = child->GetNext()) {
+        if (guard.closes(child)) {
             return;
         }
-        last = next;
-        if (++count == limit) {
-            checkpoint = next;
-            limit *= 2;
-        }
+        last = child;
+        ++count;
     }
     for (IFCNode* child = last; child != nullptr && count > 0; --count) {
         // What stands before the first child is stale.

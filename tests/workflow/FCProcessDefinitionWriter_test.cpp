@@ -190,6 +190,11 @@ TEST_F(FCProcessDefinitionWriter, AnExceptionOnTheWayIsSwallowedAndEndsTheWrite)
     tree->AppendChild(failing.release(), false);
     EXPECT_TRUE(write(tree.get()));
     EXPECT_EQ(contentsOf(scratch.path()), "");
+    for (char const* name : {"processdefinition.xml", "gpd.xml", "process.var"})
+        scratch.write(name, "former");
+    EXPECT_TRUE(write(tree.get()));
+    for (char const* name : {"processdefinition.xml", "gpd.xml", "process.var"})
+        EXPECT_EQ(scratch.read(name), "former") << name;
 }
 
 TEST_F(FCProcessDefinitionWriter, AFailureInAFolderBelowLeavesTheFileAboveWhole) {
@@ -285,14 +290,17 @@ TEST_F(FCProcessDefinitionWriter, TheBaseFolderIsThatOfTheFirstFile) {
 
 TEST_F(FCProcessDefinitionWriter, CopiesTakeWhatTheWriterHolds) {
     Tree const tree = newWorkflow();
+    makeFolder("BrindleExec/A");
     OpenWriter writer;
-    EXPECT_TRUE(writer.WriteFile(path("processdefinition.xml"), tree.get(), true));
+    EXPECT_TRUE(writer.WriteFile(path("BrindleExec/A/processdefinition.xml"), tree.get(), true));
+    EXPECT_EQ(narrow(writer.m_strHierarchyBase), "A");
     OpenWriter const copy(writer);
     OpenWriter assigned;
     assigned = writer;
     for (OpenWriter const* each : {&copy, static_cast<OpenWriter const*>(&assigned)}) {
         EXPECT_EQ(each->m_strFilePath, writer.m_strFilePath);
         EXPECT_EQ(each->m_strBaseFolder, writer.m_strBaseFolder);
+        EXPECT_EQ(each->m_strHierarchyBase, writer.m_strHierarchyBase);
         EXPECT_EQ(each->m_strRootName, writer.m_strRootName);
         EXPECT_EQ(each->m_pRootNode, tree.get());
         EXPECT_TRUE(each->m_bRecursive);
@@ -514,6 +522,41 @@ TEST_F(FCProcessDefinitionWriter, AProcessInsideIsWrittenAsOne) {
     EXPECT_EQ(element.outline(), "type task-node");
 }
 
+TEST_F(FCProcessDefinitionWriter, APlainProcessInsideHasTheRootAttributesToo) {
+    Tree const tree = newWorkflow();
+    addTask(addNode(tree.get(), 56, L"Inner"), L"T");
+    Element const element = writtenInHierarchy(tree.get()).only("process-definition");
+    EXPECT_EQ(element["name"], "Inner");
+    EXPECT_EQ(element["hierarchyPath"], "A/C/Inner");
+    EXPECT_FALSE(element.has("label"));
+    EXPECT_EQ(element.outline(), "type task-node");
+}
+
+TEST_F(FCProcessDefinitionWriter, TheProjectIsThatOfTheTopmostProcess) {
+    Tree const tree = newWorkflow(L"Flow", EProjectType_MSP);
+    IFCNode* const inner = addNode(tree.get(), 160, L"Inner");
+    inner->SetProjectType(EProjectType_BPT);
+    EXPECT_EQ(written(tree.get()).only("process-definition").only("type").text, "MSP");
+    tree->SetProjectType(EProjectType_APPLICATION);
+    addTask(tree.get(), L"S", 165);
+    makeFolder("BrindleExec/A/C/S");
+    Element const root = writtenInHierarchy(tree.get());
+    EXPECT_EQ(root.only("process-definition")["hierarchyPath"], "Inner");
+    Element const nested = read("BrindleExec/A/C/S/processdefinition.xml");
+    EXPECT_EQ(nested["hierarchyPath"], "S");
+    EXPECT_EQ(nested.only("type").text, "TASK");
+}
+
+TEST_F(FCProcessDefinitionWriter, RootAttributesMayBeWrittenAlone) {
+    Tree const tree = newWorkflow(L"Flow", EProjectType_MSP);
+    IFCNode* const sub = addTask(tree.get(), L"S", 165);
+    Element const element = filled([&](xercesc::DOMElement& own) { OpenWriter().WritePropertiesRoot(sub, &own); });
+    EXPECT_EQ(element["name"], "S");
+    EXPECT_EQ(element["version"], "1");
+    EXPECT_EQ(element["hierarchyPath"], "");
+    EXPECT_EQ(element.only("type").text, "MSP") << "no file, so none below a sub-process";
+}
+
 TEST_F(FCProcessDefinitionWriter, ARootOfAnotherKindGivesABareFile) {
     Tree const tree = newWorkflow();
     IFCNode* const odd = addTask(tree.get(), L"U", 151);
@@ -717,6 +760,23 @@ TEST_F(FCProcessDefinitionWriter, ABlockOfANativeProcessHasNoTaskUnderAWorkflowK
     EXPECT_TRUE(element.children.empty());
 }
 
+// A task without the data of a block.
+class HalfTask : public CFCBPMTaskNode {
+public:
+    CFCBlockData* GetFCBlockData() override { return nullptr; }
+};
+
+TEST_F(FCProcessDefinitionWriter, ATaskWithoutBlockDataHasAnEmptyElement) {
+    Tree const tree = newWorkflow();
+    auto half = std::make_unique<HalfTask>();
+    half->SetNodeType(150);
+    half->SetNodeId(L"H");
+    tree->AppendChild(half.release(), false);
+    Element const element = written(tree.get()).only("task-node");
+    EXPECT_TRUE(element.attributes.empty());
+    EXPECT_TRUE(element.children.empty());
+}
+
 // A block whose drawing knows its label.
 class DrawnTask : public CFCBPMTaskNode {
 public:
@@ -820,6 +880,20 @@ TEST_F(FCProcessDefinitionWriter, AnApplicationStartsWithEverythingFalse) {
     EXPECT_EQ(element["icon"], "app.png");
     EXPECT_EQ(element["id"], "0");
     EXPECT_EQ(element["hierarchyPath"], "") << "there all the same";
+}
+
+TEST_F(FCProcessDefinitionWriter, EachFlagOfAnApplicationHasItsAttribute) {
+    for (int flag = 0; flag < 3; ++flag) {
+        Tree const tree = newWorkflow();
+        CFCApplicationNode* const application = addApplication(tree.get(), L"App");
+        application->SetUseBindingScript(flag == 0);
+        application->SetDeleted(flag == 1);
+        application->SetDeleteAllVersions(flag == 2);
+        Element const element = written(tree.get()).only("task-node");
+        EXPECT_EQ(element["useBindingScript"], flag == 0 ? "true" : "false");
+        EXPECT_EQ(element["isDeleted"], flag == 1 ? "true" : "false");
+        EXPECT_EQ(element["isDeletedAll"], flag == 2 ? "true" : "false");
+    }
 }
 
 TEST_F(FCProcessDefinitionWriter, OnlyAnUpdatedNewVersionIsNewAndThenNotUpdated) {
@@ -1314,7 +1388,7 @@ TEST_F(FCProcessDefinitionWriter, ARouteIsItsStartPointAndItsPointsWithoutRepeti
              c.points = pointsOf({{1, 1}});
              c.count = -5;
          },
-         "10,20 1,1"},
+         "10,20"},
     };
     for (RouteRow const& row : rows) {
         Tree const tree = newWorkflow();
@@ -1509,9 +1583,40 @@ TEST_F(FCProcessDefinitionWriter, AnExceptionHandlerNeedsAClassOrARecord) {
     EXPECT_TRUE(byClass.only("exception-handler").children.empty());
     Element const byAction = block(150, [](CFCBPMTaskNode& node) { node.CreateNewActionException(); });
     EXPECT_EQ(byAction.only("exception-handler")["exception-class"], "");
+    EXPECT_EQ(byAction.only("exception-handler").outline(), "action");
     Element const byScript = block(150, [](CFCBPMTaskNode& node) { node.CreateNewScriptException(); });
     EXPECT_EQ(byScript.only("exception-handler")["exception-class"], "");
-    EXPECT_TRUE(byScript.only("exception-handler").children.empty());
+    EXPECT_EQ(byScript.only("exception-handler").outline(), "script");
+}
+
+TEST_F(FCProcessDefinitionWriter, ANamelessHandlerIsAnEmptyElement) {
+    Element const handler = block(150, [](CFCBPMTaskNode& node) {
+                                for (CFCExceptionActionData* const record :
+                                     {node.CreateNewActionException(), node.CreateNewScriptException()}) {
+                                    record->SetClassName(L"not written");
+                                    record->SetActionExpression(L"not written");
+                                    record->SetActionValue(L"not written");
+                                }
+                                node.CreateNewActionException()->SetActionName(L"a");
+                            }).only("exception-handler");
+    ASSERT_EQ(handler.outline(), "action action script");
+    EXPECT_EQ(handler.values("name"), "(absent) a (absent)");
+    for (std::size_t const index : {0U, 2U}) {
+        EXPECT_TRUE(handler.children[index].attributes.empty());
+        EXPECT_EQ(handler.children[index].text, "");
+    }
+}
+
+TEST_F(FCProcessDefinitionWriter, AHandlerOfAnotherClassHasNoElement) {
+    Tree const tree = newWorkflow();
+    CFCBPMTaskNode* const node = addTask(tree.get(), L"B");
+    auto stranger = std::make_unique<BareNode>();
+    node->GetActionExceptionList()->AddTail(stranger.get());
+    auto strangeScript = std::make_unique<BareNode>();
+    node->GetScriptExceptionList()->AddTail(strangeScript.get());
+    EXPECT_EQ(written(tree.get()).only("task-node").only("exception-handler").outline(), "");
+    node->GetActionExceptionList()->DeleteNode(stranger.release());
+    node->GetScriptExceptionList()->DeleteNode(strangeScript.release());
 }
 
 TEST_F(FCProcessDefinitionWriter, AnExceptionHandlerHasItsActionsAndThenItsScripts) {

@@ -204,6 +204,14 @@ TEST_F(FCWorkFlowWriter, GroupsNestAndEmptyOnesAreLeftOut) {
     EXPECT_EQ(group.only("applications").only("application")["name"], "App");
 }
 
+TEST_F(FCWorkFlowWriter, AGroupWithOtherChildrenThanApplicationsIsThereAndEmpty) {
+    Tree const tree = newApplications();
+    addTask(addApplication(tree.get(), L"Group", 168), L"Task");
+    Element const group = applications(tree.get()).only("applications");
+    EXPECT_EQ(group["name"], "Group");
+    EXPECT_TRUE(group.children.empty());
+}
+
 TEST_F(FCWorkFlowWriter, ANewApplicationIsNamedByItsCaption) {
     Tree const tree = newApplications();
     IFCNode* const application = CFCNodeFactory().Create(167);
@@ -248,6 +256,7 @@ TEST_F(FCWorkFlowWriter, ARingOfApplicationsEnds) {
         filled([&](xercesc::DOMElement& element) { OpenWriter().WriteApplications(tree.get(), &element); });
     a->SetNext(behind);
     EXPECT_GE(root.children.size(), 2U);
+    EXPECT_LE(root.children.size(), 6U) << "after few rounds";
     EXPECT_EQ(root.children[0]["name"], "B");
     EXPECT_EQ(root.children[1]["name"], "A");
 }
@@ -443,6 +452,23 @@ TEST_F(FCWorkFlowWriter, ANativeBlockIsAnEmptyTask) {
     EXPECT_TRUE(element.children.empty());
 }
 
+// A task without the data of a block.
+class HalfTask : public CFCBPMTaskNode {
+public:
+    CFCBlockData* GetFCBlockData() override { return nullptr; }
+};
+
+TEST_F(FCWorkFlowWriter, ATaskWithoutBlockDataIsAnEmptyTask) {
+    Tree const tree = newWorkflow();
+    auto half = std::make_unique<HalfTask>();
+    half->SetNodeType(150);
+    half->SetNodeId(L"H");
+    tree->AppendChild(half.release(), false);
+    Element const element = tasks(tree.get()).only("task");
+    EXPECT_TRUE(element.attributes.empty());
+    EXPECT_TRUE(element.children.empty());
+}
+
 TEST_F(FCWorkFlowWriter, TheProcessItselfHasNoProperties) {
     Tree const tree = newWorkflow();
     tree->SetNodeId(L"P");
@@ -578,6 +604,14 @@ TEST_F(FCWorkFlowWriter, ANodeWithoutParentOrConnectorsAroundItHasNoTransition) 
     EXPECT_EQ(tasks(alone.get()).outline(), "variables");
     Tree const folder(CFCNodeFactory().Create(71));
     EXPECT_EQ(tasks(addTask(folder.get(), L"B")).outline(), "variables");
+}
+
+TEST_F(FCWorkFlowWriter, PropertiesWrittenAloneHaveTransitionsToo) {
+    Tree const tree = newWorkflow();
+    CFCBPMTaskNode* const a = addTask(tree.get(), L"A");
+    connect(tree.get(), a, addTask(tree.get(), L"B"));
+    Element const element = filled([&](xercesc::DOMElement& own) { OpenWriter().WriteProperties(a, &own); });
+    EXPECT_EQ(element.only("transition")["to"], "B");
 }
 
 // A process that counts how often its connectors are asked for.

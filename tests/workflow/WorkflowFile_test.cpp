@@ -11,6 +11,7 @@ using flowmere::folderOfFile;
 using flowmere::formatWorkflowFile;
 using flowmere::isSubProcessKind;
 using flowmere::joinFolder;
+using flowmere::nodeNameOf;
 using flowmere::visitChildrenFromLast;
 using flowmere::workflowNodeTypeFromName;
 using flowmere::workflowNodeTypeName;
@@ -124,6 +125,16 @@ TEST_F(WorkflowFile, ANameGoesBehindTheFolderAndABackslash) {
     EXPECT_EQ(narrow(joinFolder(L"\\", L"gpd.xml")), "\\gpd.xml");
     EXPECT_EQ(narrow(joinFolder(L"/", L"gpd.xml")), "/gpd.xml");
     EXPECT_EQ(narrow(joinFolder(L"a", nullptr)), "a\\");
+}
+
+TEST_F(WorkflowFile, ANodeIsNamedByItsIdentifierOrElseByItsCaption) {
+    Tree const tree = newWorkflow(L"Caption");
+    EXPECT_EQ(narrow(nodeNameOf(tree.get())), "Caption");
+    tree->SetNodeId(L"Id");
+    EXPECT_EQ(narrow(nodeNameOf(tree.get())), "Id");
+    tree->SetNodeId(L"");
+    tree->SetNodeCaption(L"");
+    EXPECT_EQ(narrow(nodeNameOf(tree.get())), "");
 }
 
 std::string visited(IFCNode* node) {

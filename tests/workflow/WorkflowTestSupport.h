@@ -20,6 +20,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <set>
 #include <stdexcept>
@@ -77,7 +78,7 @@ inline CFCVariableData* addVariable(IFCNode* owner, wchar_t const* name, wchar_t
 // A connector with a route, as a host's drawing has it.
 class RoutedConnector : public CFCConnector {
 public:
-    int GetPointCount() override { return count < 0 ? static_cast<int>(points.size()) : count; }
+    int GetPointCount() override { return count.value_or(static_cast<int>(points.size())); }
     _TgPointLStr* GetPoints() override { return hidePoints ? nullptr : points.data(); }
     _TgPointLStr* GetStartPoint() override { return hasStart ? &start : nullptr; }
     _TgPointLStr* GetEndPoint() override { return hasEnd ? &end : nullptr; }
@@ -91,7 +92,7 @@ public:
     bool hasStart = false;
     bool hasEnd = false;
     bool hidePoints = false;
-    int count = -1; // what GetPointCount claims, when it is not negative
+    std::optional<int> count; // what GetPointCount claims instead of the number of points
 };
 
 // A factory whose connectors keep their routes.
