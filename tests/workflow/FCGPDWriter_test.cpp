@@ -478,13 +478,16 @@ TEST_F(FCGPDWriter, RootOfAKindWithoutChildrenInTheDrawing) {
 }
 
 TEST_F(FCGPDWriter, ProcessInsideTheTreeIsARootContainerWithItsChildren) {
-    Tree const tree = newWorkflow();
-    IFCNode* const inner = addChild(tree.get(), 160, L"id", L"Inner");
-    addTask(inner, L"a");
-    std::string const file = textOf(tree.get());
-    EXPECT_EQ("0root-container 1root-container 2node 3BORDER 3FONT 3edge 4label 3Status 4State 4State 4State ",
-              outlineOf(file));
-    EXPECT_EQ("<root-container Icon=\"\" name=\"Inner\">", linesOf(file, "root-container").at(1));
+    for (int const kind : {56, 160}) {
+        Tree const tree = newWorkflow();
+        IFCNode* const inner = addChild(tree.get(), kind, L"id", L"Inner");
+        addTask(inner, L"a");
+        std::string const file = textOf(tree.get());
+        EXPECT_EQ("0root-container 1root-container 2node 3BORDER 3FONT 3edge 4label 3Status 4State 4State 4State ",
+                  outlineOf(file))
+            << kind;
+        EXPECT_EQ("<root-container Icon=\"\" name=\"Inner\">", linesOf(file, "root-container").at(1)) << kind;
+    }
 }
 
 TEST_F(FCGPDWriter, DeletedNodesAreDrawn) {
@@ -643,6 +646,19 @@ TEST_F(FCGPDWriter, NodeWithoutRectangleStandsAtTheOrigin) {
     std::string const file = textOf(tree.get());
     EXPECT_EQ("0 0 0 0", boxIn(lineOf(file, "node")));
     EXPECT_THAT(boxesOf(file, "State"), ElementsAre("Wait 7 0 4 4", "Ready -2 0 4 4", "Done 3 0 4 4"));
+}
+
+TEST_F(FCGPDWriter, NodeWithoutAListOfVariablesHasNoBoxes) {
+    class Bare : public CFCBPMTaskNode {
+    public:
+        CFCVariableList* GetVariableList() override { return nullptr; }
+    };
+    Tree const tree = newWorkflow();
+    auto bare = std::make_unique<Bare>();
+    bare->SetNodeType(150);
+    bare->SetNodeId(L"A");
+    tree->AppendChild(bare.release(), false);
+    EXPECT_EQ("0root-container 1node 2BORDER 2FONT 2edge 3label ", outlineOf(textOf(tree.get())));
 }
 
 TEST_F(FCGPDWriter, NodeWithoutBlockDataHasNoBoxes) {
