@@ -1,8 +1,8 @@
 #include "flowmere/workflow/FCProcessDefinitionWriter.h"
 
 #include "flowmere/algorithms/TreeWalk.h"
+#include "flowmere/foundation/Files.h"
 #include "flowmere/foundation/Immortal.h"
-#include "flowmere/foundation/TuFileUtl.h"
 #include "flowmere/model/FCActionData.h"
 #include "flowmere/model/FCApplicationNode.h"
 #include "flowmere/model/FCBPMBlockData.h"
@@ -21,6 +21,7 @@
 #include <xercesc/dom/DOM.hpp>
 
 #include <cstdint>
+#include <cstdio>
 #include <string_view>
 
 using flowmere::viewOf;
@@ -281,6 +282,12 @@ void writeFormSize(DOMElement* element, CFCBPMBlockData* task) {
     setText(element, u"form_size", size);
 }
 
+// Whether a file that was just written took the bytes: writing itself tells nobody.
+bool takesBytes(wchar_t const* path) {
+    std::FILE* const file = flowmere::openFile(path, "ab");
+    return file != nullptr && std::fclose(file) == 0;
+}
+
 TuString& sharedHierarchy() {
     static constinit flowmere::Immortal<TuString> text;
     return *text;
@@ -333,8 +340,8 @@ bool CFCProcessDefinitionWriter::WriteFile(wchar_t const* path, IFCNode* node, b
         isFilled = true;
     });
     m_pConnectors.reset();
-    // The three belong together: without a definition the others stay as they are.
-    if (!result || !isFilled || !TuFileUtl::IsFileName(m_strFilePath))
+    // The three belong together: where no definition could be written, the others stay as they are.
+    if (!result || !isFilled || !takesBytes(m_strFilePath))
         return result;
     try {
         CFCGPDWriter().WriteFile(flowmere::joinFolder(folder, kDrawingName), node, true);

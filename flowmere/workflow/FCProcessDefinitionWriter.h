@@ -46,8 +46,9 @@ public:
     // Writes the three files of the node and those of all sub-processes below it. `path` is that of
     // processdefinition.xml, with one sort of separator throughout; gpd.xml and process.var are put beside it. Each
     // file is truncated and written in place. Without `recursive` the definition holds the node's own properties alone,
-    // the other two files are complete all the same. False only for an empty path, a null node or a parser library that
-    // does not come up: true does not tell that the bytes reached the disk. Not for two threads at once.
+    // the other two files are complete all the same. Where the definition cannot be written, they stay as they are.
+    // False only for an empty path, a null node or a parser library that does not come up: true does not tell that the
+    // bytes reached the disk. Not for two threads at once.
     bool WriteFile(wchar_t const* path, IFCNode* node, bool recursive);
     // "name" (the identifier, the caption or "allblocks"), "version", "hierarchyPath" and the project type.
     void WritePropertiesRoot(IFCNode* node, XERCES_CPP_NAMESPACE::DOMNode* element);

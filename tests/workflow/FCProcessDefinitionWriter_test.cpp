@@ -8,6 +8,9 @@
 
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <limits>
@@ -174,6 +177,43 @@ TEST_F(FCProcessDefinitionWriter, WithoutADefinitionTheOtherFilesStayAsTheyAre) 
     makeFolder("processdefinition.xml");
     EXPECT_TRUE(write(tree.get()));
     EXPECT_EQ(contentsOf(scratch.path()), "");
+}
+
+// Rights of an ordinary user, for as long as it lives: nothing is closed to a privileged one.
+class OrdinaryUser {
+public:
+    OrdinaryUser() {
+        if (m_former == 0 && ::seteuid(65534) != 0)
+            throw std::runtime_error("no other user");
+    }
+    ~OrdinaryUser() {
+        if (m_former == 0 && ::seteuid(0) != 0)
+            std::abort();
+    }
+    OrdinaryUser(OrdinaryUser const&) = delete;
+    OrdinaryUser& operator=(OrdinaryUser const&) = delete;
+
+private:
+    ::uid_t m_former = ::geteuid();
+};
+
+TEST_F(FCProcessDefinitionWriter, BesideAReadOnlyDefinitionTheOtherFilesStayAsTheyAre) {
+    Tree const tree = newWorkflow();
+    // Where everybody comes to, unlike the scratch folder.
+    std::string name = (std::filesystem::temp_directory_path() / "flowmere-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(name.data()), nullptr);
+    std::filesystem::path const folder = name;
+    std::filesystem::permissions(folder, std::filesystem::perms::all);
+    writeFile(folder / "processdefinition.xml", "former");
+    std::filesystem::permissions(folder / "processdefinition.xml", std::filesystem::perms(0444));
+    {
+        OrdinaryUser const user;
+        CFCProcessDefinitionWriter writer;
+        EXPECT_TRUE(writer.WriteFile(wideWithBackslashes(folder / "processdefinition.xml"), tree.get(), true));
+    }
+    EXPECT_EQ(contentsOf(folder), "processdefinition.xml");
+    EXPECT_EQ(readFile(folder / "processdefinition.xml"), "former");
+    std::filesystem::remove_all(folder);
 }
 
 // A block whose host fails.
