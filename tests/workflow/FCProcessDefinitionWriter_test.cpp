@@ -4,6 +4,7 @@
 
 #include "flowmere/model/FCActionData.h"
 #include "flowmere/model/FCFolderNodes.h"
+#include "flowmere/workflow/FCProcessDefinitionReader.h"
 #include "flowmere/workflow/WorkflowFile.h"
 
 #include <gmock/gmock.h>
@@ -1645,6 +1646,25 @@ TEST_F(FCProcessDefinitionWriter, ANamelessHandlerIsAnEmptyElement) {
         EXPECT_TRUE(handler.children[index].attributes.empty());
         EXPECT_EQ(handler.children[index].text, "");
     }
+}
+
+TEST_F(FCProcessDefinitionWriter, HandlersAreAsManyOnTheWayBack) {
+    Tree const tree = newWorkflow();
+    CFCBPMTaskNode* const node = addTask(tree.get(), L"B");
+    node->CreateNewActionException();
+    node->CreateNewActionException()->SetActionName(L"a");
+    node->CreateNewScriptException();
+    EXPECT_TRUE(write(tree.get()));
+    CFCNodeFactory factory;
+    CFCProcessDefinitionReader reader;
+    reader.SetNodeFactory(&factory);
+    IFCNode* read = nullptr;
+    EXPECT_TRUE(reader.Parse(path("processdefinition.xml"), &read, 0));
+    Tree const copy(read);
+    ASSERT_EQ(childrenOf(copy.get()).size(), 1U);
+    CFCBPMBlockData* const data = childrenOf(copy.get()).front()->GetBPMBlockData();
+    EXPECT_EQ(data->GetActionExceptionList()->GetCount(), 2);
+    EXPECT_EQ(data->GetScriptExceptionList()->GetCount(), 1);
 }
 
 TEST_F(FCProcessDefinitionWriter, AHandlerOfAnotherClassHasNoElement) {

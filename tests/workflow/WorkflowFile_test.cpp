@@ -163,6 +163,18 @@ TEST_F(WorkflowFile, WhatStandsBeforeTheFirstChildIsStale) {
     child->SetPrev(nullptr);
 }
 
+TEST_F(WorkflowFile, AWayBackInARingEnds) {
+    Tree const tree = newWorkflow();
+    IFCNode* const group = addTask(tree.get(), L"G", 161);
+    IFCNode* const oldest = addTask(group, L"A");
+    IFCNode* const middle = addTask(group, L"B");
+    IFCNode* const newest = addTask(group, L"C");
+    middle->SetPrev(oldest);
+    EXPECT_EQ(visited(group), "A B A ") << "no more steps than there are children";
+    middle->SetPrev(newest);
+    EXPECT_EQ(visited(group), "A B C ");
+}
+
 TEST_F(WorkflowFile, ARingOfChildrenCountsAsNone) {
     Tree const tree = newWorkflow();
     IFCNode* const group = addTask(tree.get(), L"G", 161);
