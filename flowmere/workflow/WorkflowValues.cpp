@@ -99,7 +99,7 @@ bool readFormSize(std::u16string_view text, int& width, int& height) noexcept {
         heightText = text.substr(lastColon + 1, text.size() - lastColon - 2);
     width = integerOf(widthText);
     height = integerOf(heightText);
-    return startsWithNumber(widthText) && startsWithNumber(heightText);
+    return firstColon != lastColon && startsWithNumber(widthText) && startsWithNumber(heightText);
 }
 
 } // namespace flowmere
