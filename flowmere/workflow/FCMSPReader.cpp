@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -39,33 +38,43 @@ constexpr unsigned int kFillColor = 0xF6B381;
 
 enum class Tag { Finish, Milestone, Name, Other, PredecessorLink, PredecessorUID, Start, Task, Tasks, Type, UID, WBS };
 
-struct TagRow {
-    std::u16string_view name;
-    Tag tag;
-};
+bool isTag(XMLCh const* tag, char16_t const* name) {
+    for (; *tag == *name; ++tag, ++name) {
+        if (*name == u'\0')
+            return true;
+    }
+    return false;
+}
 
-// "Duration" has no row: a task keeps the one that it begins with.
-constexpr TagRow kTags[] = {
-    {u"Finish", Tag::Finish},
-    {u"Milestone", Tag::Milestone},
-    {u"Name", Tag::Name},
-    {u"PredecessorLink", Tag::PredecessorLink},
-    {u"PredecessorUID", Tag::PredecessorUID},
-    {u"Start", Tag::Start},
-    {u"Task", Tag::Task},
-    {u"Tasks", Tag::Tasks},
-    {u"Type", Tag::Type},
-    {u"UID", Tag::UID},
-    {u"WBS", Tag::WBS},
-};
-static_assert(std::is_sorted(std::begin(kTags), std::end(kTags),
-                             [](TagRow const& left, TagRow const& right) { return left.name < right.name; }));
-
+// Most elements of a schedule have no use here, "Duration" among them, and go by their first letter.
 Tag tagFor(DOMElement const* element) {
-    std::u16string_view const name = flowmere::tagOf(element);
-    auto const row = std::lower_bound(std::begin(kTags), std::end(kTags), name,
-                                      [](TagRow const& left, std::u16string_view right) { return left.name < right; });
-    return row != std::end(kTags) && row->name == name ? row->tag : Tag::Other;
+    XMLCh const* const tag = element->getTagName();
+    switch (*tag) {
+    case u'F':
+        return isTag(tag, u"Finish") ? Tag::Finish : Tag::Other;
+    case u'M':
+        return isTag(tag, u"Milestone") ? Tag::Milestone : Tag::Other;
+    case u'N':
+        return isTag(tag, u"Name") ? Tag::Name : Tag::Other;
+    case u'P':
+        if (isTag(tag, u"PredecessorLink"))
+            return Tag::PredecessorLink;
+        return isTag(tag, u"PredecessorUID") ? Tag::PredecessorUID : Tag::Other;
+    case u'S':
+        return isTag(tag, u"Start") ? Tag::Start : Tag::Other;
+    case u'T':
+        if (isTag(tag, u"Task"))
+            return Tag::Task;
+        if (isTag(tag, u"Tasks"))
+            return Tag::Tasks;
+        return isTag(tag, u"Type") ? Tag::Type : Tag::Other;
+    case u'U':
+        return isTag(tag, u"UID") ? Tag::UID : Tag::Other;
+    case u'W':
+        return isTag(tag, u"WBS") ? Tag::WBS : Tag::Other;
+    default:
+        return Tag::Other;
+    }
 }
 
 // An element's own text: where the document has it, when it stands there in one piece.
@@ -397,10 +406,11 @@ void CFCMSPReader::loadDate(Level const& level, DOMElement* child, bool isStart)
 void CFCMSPReader::loadPredecessor(Level const& level, DOMElement* child) {
     if (level.task == nullptr)
         return;
-    TuString const predecessor = textOf(child);
-    TuString const earlier(level.task->GetPredecessorID());
-    if (!earlier.IsEmpty() && earlier != predecessor)
-        findValue(CFCScheduleFinding::PredecessorReplaced, level, child, earlier);
+    OwnText const text(child);
+    WideText const predecessor(text.view());
+    std::wstring_view const earlier(level.task->GetPredecessorID());
+    if (!earlier.empty() && earlier != predecessor.view())
+        findValue(CFCScheduleFinding::PredecessorReplaced, level, child, TuString(earlier));
     level.task->SetPredecessorID(predecessor);
 }
 
@@ -424,8 +434,7 @@ CFCScheduleFinding& CFCMSPReader::leaveOut(CFCScheduleFinding::Kind kind, DOMEle
             hasCode = true;
             break;
         case Tag::Type:
-            if (hasCode)
-                finding.lateType = textOf(child);
+            (hasCode ? finding.lateType : finding.type) = textOf(child);
             break;
         default:
             break;

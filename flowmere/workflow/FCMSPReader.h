@@ -25,12 +25,14 @@ struct CFCScheduleFinding {
         PredecessorReplaced = 7, // a task has room for one predecessor: an earlier one, `value`, went
     };
     Kind kind = ProjectSummary;
-    int number = 0;    // of the task in the file, the first is 1; 0 outside any task
-    TuString uid;      // the texts of the task's element, each the last of its name
-    TuString name;     //
-    TuString wbs;      //
+    int number = 0; // of the task in the file, the first is 1; 0 outside any task
+    // Texts of the task's element, each the last of its tag.
+    TuString uid;
+    TuString name;
+    TuString wbs;
+    TuString type;     // in front of the "WBS", where it says whether the task is a summary (1)
+    TuString lateType; // behind the "WBS", where it has no say in that
     TuString parent;   // the WBS up to its last point, which says where the task belongs
-    TuString lateType; // a "Type" behind the "WBS", where it has no say in that any more
     TuString element;  // tag that has the value
     TuString value;
     // The node with the date or predecessor; not owned. For the third and fourth kind the node that was made in vain:
