@@ -333,6 +333,10 @@ struct PlaceRow {
     char const* expected;
 };
 
+void PrintTo(PlaceRow const& row, std::ostream* out) {
+    *out << row.what;
+}
+
 class SchedulePlaces : public FCMSPReader, public testing::WithParamInterface<PlaceRow> {};
 
 TEST_P(SchedulePlaces, TasksGoByTheirCodes) {
@@ -419,6 +423,10 @@ struct FindingRow {
     std::string tasks;
     std::vector<std::string> expected;
 };
+
+void PrintTo(FindingRow const& row, std::ostream* out) {
+    *out << row.what;
+}
 
 class ScheduleFindings : public FCMSPReader, public testing::WithParamInterface<FindingRow> {};
 
@@ -614,6 +622,10 @@ struct DateRow {
     char const* text;
     char const* expected;
 };
+
+void PrintTo(DateRow const& row, std::ostream* out) {
+    *out << row.text;
+}
 
 class ScheduleDates : public FCMSPReader, public testing::WithParamInterface<DateRow> {};
 
