@@ -1,5 +1,8 @@
 // Documents against the parser library alone: reading, writing, memory and walks of a process whose blocks have three
 // variables and one connector each.
+#include "BareXml.h"
+#include "Measure.h"
+
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
 #include "flowmere/model/FCBlockNode.h"
@@ -15,24 +18,15 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <unistd.h>
-#include <xercesc/dom/DOM.hpp>
-#include <xercesc/framework/LocalFileFormatTarget.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
-#include <xercesc/util/XMLUni.hpp>
 
 #include <algorithm>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace {
-
-constexpr int kSmall = 10000;
-constexpr int kLarge = 100000;
 
 struct TreeEnd {
     void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
@@ -42,46 +36,6 @@ using Tree = std::unique_ptr<IFCNode, TreeEnd>;
 TuString wide(std::filesystem::path const& path) {
     return TuString(path.string().c_str());
 }
-
-// Time that the processor has spent on this program, which a busy machine does not stretch.
-double processorSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
-// Runs the body and gives its time.
-template <typename Body>
-double secondsOf(Body const& body) {
-    double const begin = processorSeconds();
-    body();
-    return processorSeconds() - begin;
-}
-
-// Times of two sides that are run in turn.
-class Sides {
-public:
-    void add(double ours, double bare) {
-        m_ours.push_back(ours);
-        m_bare.push_back(bare);
-        m_ratios.push_back(ours / bare);
-    }
-    double ours() const { return medianOf(m_ours); }
-    double bare() const { return medianOf(m_bare); }
-    // Of the two that ran side by side: whatever slows the machine for a while slows both.
-    double ratio() const { return medianOf(m_ratios); }
-
-private:
-    static double medianOf(std::vector<double> values) {
-        auto const middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-        std::nth_element(values.begin(), middle, values.end());
-        return *middle;
-    }
-
-    std::vector<double> m_ours;
-    std::vector<double> m_bare;
-    std::vector<double> m_ratios;
-};
 
 TuString numbered(wchar_t const* stem, int number) {
     TuString text;
@@ -181,35 +135,13 @@ IFCNode* read(std::filesystem::path const& path) {
     return node;
 }
 
-// Time of the document of kSmall blocks, for the growth to kLarge.
-double& secondsOfSmall(char const* what) {
-    static std::map<std::string, double> times;
-    return times[what];
-}
-
-void report(benchmark::State& state, char const* what, int count, Sides const& sides, char const* target) {
-    state.counters["ours_ms"] = sides.ours() * 1000.0;
-    state.counters["bare_ms"] = sides.bare() * 1000.0;
-    state.counters["ratio"] = sides.ratio();
-    if (count == kSmall)
-        secondsOfSmall(what) = sides.ours();
-    else if (secondsOfSmall(what) > 0.0)
-        state.counters["growth"] = sides.ours() / secondsOfSmall(what);
-    state.SetLabel(target);
-}
-
 void readAgainstBareParse(benchmark::State& state) {
     int const count = static_cast<int>(state.range(0));
     std::filesystem::path const path = files().document(count);
     flowmere::XmlPlatform const platform;
     Sides sides;
     for (auto _ : state) {
-        double const bare = secondsOf([&] {
-            xercesc::XercesDOMParser parser;
-            flowmere::applyParserSettings(parser);
-            parser.parse(path.c_str());
-            benchmark::DoNotOptimize(parser.getDocument());
-        });
+        double const bare = secondsOf([&] { parseBare(path); });
         Tree tree;
         double const ours = secondsOf([&] { tree.reset(read(path)); });
         if (tree == nullptr) {
@@ -224,84 +156,6 @@ void readAgainstBareParse(benchmark::State& state) {
 
 BENCHMARK(readAgainstBareParse)->Arg(kSmall)->UseManualTime()->Iterations(15)->Unit(benchmark::kMillisecond);
 BENCHMARK(readAgainstBareParse)->Arg(kLarge)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
-
-// A document as the calls that build it. All texts are at hand as the library takes them.
-class Recipe {
-public:
-    explicit Recipe(std::filesystem::path const& path) {
-        xercesc::XercesDOMParser parser;
-        flowmere::applyParserSettings(parser);
-        parser.parse(path.c_str());
-        add(parser.getDocument()->getDocumentElement(), 0);
-    }
-
-    void writeTo(std::filesystem::path const& path) const {
-        static constexpr XMLCh const* kFeature = u"LS";
-        xercesc::DOMImplementation* const dom = xercesc::DOMImplementationRegistry::getDOMImplementation(kFeature);
-        xercesc::DOMDocument* const document = dom->createDocument(nullptr, m_steps.front().name.c_str(), nullptr);
-        std::vector<xercesc::DOMElement*> open{document->getDocumentElement()};
-        setAttributes(open.front(), m_steps.front());
-        for (std::size_t index = 1; index < m_steps.size(); ++index) {
-            Step const& step = m_steps[index];
-            xercesc::DOMElement* const element = document->createElement(step.name.c_str());
-            open.resize(step.depth);
-            open.back()->appendChild(element);
-            setAttributes(element, step);
-            if (!step.text.empty())
-                element->appendChild(document->createTextNode(step.text.c_str()));
-            open.push_back(element);
-        }
-        xercesc::DOMLSSerializer* const serializer = dom->createLSSerializer();
-        xercesc::DOMLSOutput* const output = dom->createLSOutput();
-        serializer->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
-        {
-            xercesc::LocalFileFormatTarget target(path.c_str());
-            output->setByteStream(&target);
-            serializer->write(document, output);
-        }
-        serializer->release();
-        output->release();
-        document->release();
-    }
-
-private:
-    using Text = std::basic_string<XMLCh>;
-    struct Step {
-        std::size_t depth;
-        Text name;
-        std::vector<std::pair<Text, Text>> attributes;
-        Text text;
-    };
-
-    static void setAttributes(xercesc::DOMElement* element, Step const& step) {
-        for (auto const& [name, value] : step.attributes)
-            element->setAttribute(name.c_str(), value.c_str());
-    }
-
-    void add(xercesc::DOMElement* element, std::size_t depth) {
-        Step step{depth, element->getTagName(), {}, {}};
-        xercesc::DOMNamedNodeMap const* const attributes = element->getAttributes();
-        for (XMLSize_t index = 0; index < attributes->getLength(); ++index) {
-            xercesc::DOMNode const* const attribute = attributes->item(index);
-            step.attributes.emplace_back(attribute->getNodeName(), attribute->getNodeValue());
-        }
-        if (element->getFirstElementChild() == nullptr && element->getFirstChild() != nullptr)
-            step.text = element->getFirstChild()->getNodeValue();
-        m_steps.push_back(std::move(step));
-        for (xercesc::DOMElement* child = element->getFirstElementChild(); child != nullptr;
-             child = child->getNextElementSibling())
-            add(child, depth + 1);
-    }
-
-    std::vector<Step> m_steps;
-};
-
-bool areEqual(std::filesystem::path const& left, std::filesystem::path const& right) {
-    std::ifstream first(left, std::ios::binary);
-    std::ifstream second(right, std::ios::binary);
-    return std::equal(std::istreambuf_iterator<char>(first), std::istreambuf_iterator<char>(),
-                      std::istreambuf_iterator<char>(second), std::istreambuf_iterator<char>());
-}
 
 void writeAgainstBareCalls(benchmark::State& state) {
     int const count = static_cast<int>(state.range(0));

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <ctime>
+#include <map>
+#include <string>
+#include <vector>
+
+// Times of a side of ours and a bare one that are run in turn, at two sizes.
+
+constexpr int kSmall = 10000;
+constexpr int kLarge = 100000;
+
+// Time that the processor has spent on this program, which a busy machine does not stretch.
+inline double processorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+// Runs the body and gives its time.
+template <typename Body>
+double secondsOf(Body const& body) {
+    double const begin = processorSeconds();
+    body();
+    return processorSeconds() - begin;
+}
+
+class Sides {
+public:
+    void add(double ours, double bare) {
+        m_ours.push_back(ours);
+        m_bare.push_back(bare);
+        m_ratios.push_back(ours / bare);
+    }
+    double ours() const { return medianOf(m_ours); }
+    double bare() const { return medianOf(m_bare); }
+    // Of the two that ran side by side: whatever slows the machine for a while slows both.
+    double ratio() const { return medianOf(m_ratios); }
+
+private:
+    static double medianOf(std::vector<double> values) {
+        auto const middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+        std::nth_element(values.begin(), middle, values.end());
+        return *middle;
+    }
+
+    std::vector<double> m_ours;
+    std::vector<double> m_bare;
+    std::vector<double> m_ratios;
+};
+
+// Times of what is measured at kSmall, for the growth to kLarge.
+struct SmallTimes {
+    double ours = 0.0;
+    double bare = 0.0;
+};
+
+inline SmallTimes& timesOfSmall(char const* what) {
+    static std::map<std::string, SmallTimes> times;
+    return times[what];
+}
+
+inline void report(benchmark::State& state, char const* what, int count, Sides const& sides, char const* target) {
+    state.counters["ours_ms"] = sides.ours() * 1000.0;
+    state.counters["bare_ms"] = sides.bare() * 1000.0;
+    state.counters["ratio"] = sides.ratio();
+    SmallTimes& small = timesOfSmall(what);
+    if (count == kSmall) {
+        small = {sides.ours(), sides.bare()};
+    } else if (small.ours > 0.0) {
+        state.counters["growth"] = sides.ours() / small.ours;
+        state.counters["bare_growth"] = sides.bare() / small.bare; // what this machine makes of ten times the memory
+    }
+    state.SetLabel(target);
+}
