@@ -15,7 +15,6 @@
 #include "flowmere/model/FCNodeList.h"
 #include "flowmere/model/FCPointerConverter.h"
 #include "flowmere/model/FCProcessNode.h"
-#include "flowmere/workflow/FCGPDReader.h"
 #include "flowmere/workflow/FCProcessVarReader.h"
 #include "flowmere/workflow/WorkflowFile.h"
 #include "flowmere/workflow/WorkflowFileChain.h"
@@ -265,7 +264,7 @@ IFCNode* CFCProcessDefinitionReader::Create(int kind) {
 }
 
 void CFCProcessDefinitionReader::Attach(IFCNode* node) {
-    if (m_pContainer == nullptr)
+    if (m_pContainer == nullptr || node == nullptr)
         return;
     if (m_pChain != nullptr)
         m_pChain->isHandedOut = true;
@@ -277,6 +276,7 @@ void CFCProcessDefinitionReader::Attach(IFCNode* node) {
 bool CFCProcessDefinitionReader::Parse(wchar_t const* path, IFCNode** node, int) {
     static constexpr AttributeTable kNames(u"name", u"version");
     m_findings.clear();
+    m_layoutFindings.clear();
     TuString const file(path);
     m_strFilePath = file;
     if (file.IsEmpty())
@@ -331,6 +331,7 @@ bool CFCProcessDefinitionReader::Parse(wchar_t const* path, IFCNode** node, int)
 
 bool CFCProcessDefinitionReader::LoadFileNode(wchar_t const* path, IFCNode* node) {
     m_findings.clear();
+    m_layoutFindings.clear();
     TuString file(path);
     if (node == nullptr || m_pNodeFactory == nullptr)
         return false;
@@ -378,6 +379,8 @@ void CFCProcessDefinitionReader::readLayout(TuString const& path, IFCNode* node)
         findBroken(CFCEnvironment::IsFileExist(path) ? CFCWorkflowFinding::LayoutBroken
                                                      : CFCWorkflowFinding::LayoutMissing,
                    node, path, reader);
+    std::vector<CFCLayoutFinding> const& found = reader.GetLayoutFindings();
+    m_layoutFindings.insert(m_layoutFindings.end(), found.begin(), found.end());
 }
 
 // The folder of a sub-process lies below the base folder under the path of its block. `inner` holds the block, and
@@ -410,13 +413,15 @@ void CFCProcessDefinitionReader::readSubProcess(DOMElement* child, Inner& inner)
     nested.m_pChain = m_pChain;
     bool const isRead = nested.Parse(path, &inner.node, kFlags);
     std::move(nested.m_findings.begin(), nested.m_findings.end(), std::back_inserter(m_findings));
+    std::move(nested.m_layoutFindings.begin(), nested.m_layoutFindings.end(), std::back_inserter(m_layoutFindings));
     if (!isRead && *nested.GetErrorText() != L'\0')
         findBroken(CFCWorkflowFinding::NestedFileBroken, block, path, nested);
     if (inner.node == block)
         return;
     inner.stray = inner.node;
     find(CFCWorkflowFinding::ElementLost, block, child);
-    chain.strays.push_back({inner.stray, TuString(block->GetNodePath()), m_findings.size(), chain.isHandedOut});
+    chain.strays.push_back(
+        {inner.stray, TuString(block->GetNodePath()), m_findings.size(), m_layoutFindings.size(), chain.isHandedOut});
     chain.isHandedOut = false;
 }
 
@@ -487,11 +492,15 @@ void CFCProcessDefinitionReader::close(std::vector<Level>& levels) {
     // What the container knows of is in its hands.
     if (isHandedOut)
         return;
-    for (std::size_t number = ended.findings; number < m_findings.size(); ++number) {
-        CFCWorkflowFinding& finding = m_findings[number];
-        if (finding.node != nullptr && finding.node->GetRootNode() == stray)
-            finding.node = nullptr;
-    }
+    auto const forget = [stray](auto& findings, std::size_t first) {
+        for (std::size_t number = first; number < findings.size(); ++number) {
+            IFCNode*& node = findings[number].node;
+            if (node != nullptr && node->GetRootNode() == stray)
+                node = nullptr;
+        }
+    };
+    forget(m_findings, ended.findings);
+    forget(m_layoutFindings, ended.layoutFindings);
     CFCNodeHelper::DestroyTree(stray);
 }
 

@@ -3,6 +3,7 @@
 
 #include "flowmere/Export.h"
 #include "flowmere/foundation/TuString.h"
+#include "flowmere/workflow/FCGPDReader.h"
 #include "flowmere/xml/TXMLBaseReader.h"
 
 #include <cstddef>
@@ -79,7 +80,7 @@ public:
     void SetContainer(CFCBaseContainer* container);
     // A new node of that kind through the factory; null without a factory. The caller owns it.
     IFCNode* Create(int kind);
-    // Hands the node to the container; nothing without a container.
+    // Hands the node to the container; nothing without a container or a node.
     void Attach(IFCNode* node);
 
     // Reads the folder of a path that holds "processdefinition.xml". *node must be set beforehand: null for a new
@@ -115,6 +116,8 @@ public:
     // What the last Parse or LoadFileNode passed over, nested folders included. A top file that cannot be read is no
     // finding: GetErrorText and its neighbours tell of it.
     std::vector<CFCWorkflowFinding> const& GetFindings() const { return m_findings; }
+    // What the layouts among these files have that the tree does not, nested folders included.
+    std::vector<CFCLayoutFinding> const& GetLayoutFindings() const { return m_layoutFindings; }
     // The version of the last definition that named one above 0; 1 before that.
     double GetVersion() const { return m_dVersion; }
 
@@ -183,4 +186,5 @@ private:
     double m_dVersion = 1.0;
     flowmere::WorkflowFileChain* m_pChain = nullptr; // of the files that are being read; lives as long as the top call
     std::vector<CFCWorkflowFinding> m_findings;
+    std::vector<CFCLayoutFinding> m_layoutFindings;
 };

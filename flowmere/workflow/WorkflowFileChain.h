@@ -16,8 +16,9 @@ class WorkflowFileChain {
 public:
     struct Stray {
         IFCNode* root = nullptr;
-        TuString place; // of the block whose element it took
-        std::size_t findings = 0;
+        TuString place;           // of the block whose element it took
+        std::size_t findings = 0; // number of those before it
+        std::size_t layoutFindings = 0;
         bool wasHandedOut = false;
     };
 

@@ -156,18 +156,27 @@ void CFCProcessDefinitionReader::findBroken(CFCWorkflowFinding::Kind kind, IFCNo
     finding.column = reader.GetErrorColumn();
 }
 
-// Groups from this sibling on whose children have transitions.
+// Groups from this sibling on, and below them, whose children have transitions. Sub-processes among them have
+// connectors by their own files.
 void CFCProcessDefinitionReader::findUnconnected(IFCNode* sibling) {
-    for (; sibling != nullptr; sibling = sibling->GetNext()) {
-        if (flowmere::isSubProcessKind(sibling->GetNodeType()))
+    std::vector<IFCNode*> ways{sibling};
+    while (!ways.empty()) {
+        IFCNode* const group = ways.back();
+        if (group == nullptr) {
+            ways.pop_back();
             continue;
-        for (IFCNode* child = sibling->GetChild(); child != nullptr; child = child->GetNext()) {
+        }
+        ways.back() = group->GetNext();
+        if (flowmere::isSubProcessKind(group->GetNodeType()))
+            continue;
+        for (IFCNode* child = group->GetChild(); child != nullptr; child = child->GetNext()) {
             CFCBPMBlockData* const task = child->GetBPMBlockData();
             if (task != nullptr && task->GetTransitionList()->GetHeadPosition() != nullptr) {
-                find(CFCWorkflowFinding::TransitionsUnconnected, sibling);
+                find(CFCWorkflowFinding::TransitionsUnconnected, group);
                 break;
             }
         }
+        ways.push_back(group->GetChild());
     }
 }
 

@@ -43,6 +43,7 @@ TEST_F(FCProcessDefinitionReaderTest, NodesComeFromTheFactoryAndGoToTheContainer
     Tree const node(reader.Create(153));
     EXPECT_EQ(node->GetNodeType(), 153);
     reader.Attach(node.get());
+    reader.Attach(nullptr);
     EXPECT_THAT(container.attached, ElementsAre(node.get()));
 }
 
@@ -208,6 +209,30 @@ TEST_F(FCProcessDefinitionReaderTest, AMissingLayoutIsTold) {
     tree = read();
     EXPECT_THAT(findings(), ElementsAre("LayoutMissing []"));
     EXPECT_EQ(reader.GetFindings().front().file, path("flow/gpd.xml"));
+}
+
+TEST_F(FCProcessDefinitionReaderTest, WhatLayoutsHaveBesidesIsToldForAllFolders) {
+    writeFolder("flow", "<task-node name=\"S\" nodeType=\"basicSubProcess\"/>",
+                "<root-container><node name=\"top\"/></root-container>");
+    writeFolder("flow/S",
+                "<task-node name=\"T\" nodeType=\"basicSubProcess\"><odd/><task-node name=\"U\" "
+                "nodeType=\"basicSubProcess\"/></task-node>",
+                "<root-container><node name=\"inner\"/></root-container>");
+    writeFolder("flow/S/T", "", "<root-container><node name=\"unread\"/></root-container>");
+    std::filesystem::remove(scratch / "flow/S/T/process.var");
+    writeFolder("flow/U", "", "<root-container><node name=\"outside\"/></root-container>");
+    tree = read();
+    auto const& layout = reader.GetLayoutFindings();
+    ASSERT_EQ(layout.size(), 3u);
+    EXPECT_EQ(narrow(layout[0].name), "outside");
+    EXPECT_EQ(layout[0].node, nullptr); // it stood on a node that is gone
+    EXPECT_EQ(narrow(layout[1].name), "inner");
+    EXPECT_EQ(layout[1].node, child(tree.get(), L"S"));
+    EXPECT_EQ(narrow(layout[2].name), "top");
+    EXPECT_EQ(layout[2].node, tree.get());
+    writeFolder("flow", "");
+    tree = read();
+    EXPECT_THAT(reader.GetLayoutFindings(), IsEmpty());
 }
 
 TEST_F(FCProcessDefinitionReaderTest, FindingsAreThoseOfTheLastCall) {
@@ -1459,17 +1484,30 @@ TEST_F(FCProcessDefinitionReaderTest, TheFirstSubProcessEndsTheConnectorsOfGroup
 }
 
 TEST_F(FCProcessDefinitionReaderTest, ASubProcessInAGroupEndsTheWalkInThatGroupOnly) {
-    writeFolder("flow", "<super-state name=\"G\"><super-state name=\"H\"><fork name=\"A\"><transition to=\"A\"/></fork>"
-                        "</super-state><task-node name=\"S\" nodeType=\"basicSubProcess\"/></super-state>");
-    std::string const behind = "<super-state name=\"I\"><fork name=\"B\"><transition to=\"B\"/></fork></super-state>";
-    scratch.write("flow/processdefinition.xml",
-                  definition(behind + "<super-state name=\"G\"><super-state name=\"H\"><fork name=\"A\"><transition "
-                                      "to=\"A\"/></fork></super-state><task-node name=\"S\" "
-                                      "nodeType=\"basicSubProcess\"/></super-state>"));
+    std::string const inner = "<fork name=\"A\"><transition to=\"A\"/></fork>";
+    writeFolder("flow", "<super-state name=\"I\"><fork name=\"B\"><transition to=\"B\"/></fork></super-state>"
+                        "<super-state name=\"G\"><super-state name=\"H\">" +
+                            inner + "<super-state name=\"K\">" + inner +
+                            "</super-state></super-state><task-node name=\"S\" nodeType=\"basicSubProcess\"/>"
+                            "</super-state>");
     writeFolder("flow/G/S", "");
     tree = read();
-    EXPECT_EQ(connectionsOf(child(child(tree.get(), L"G"), L"H")), "");
+    IFCNode* const h = child(child(tree.get(), L"G"), L"H");
+    EXPECT_EQ(connectionsOf(h), "");
+    EXPECT_EQ(connectionsOf(child(h, L"K")), "");
     EXPECT_EQ(connectionsOf(child(tree.get(), L"I")), "B-B");
+    EXPECT_THAT(findings(), ElementsAre("TransitionsUnconnected [G.H]", "TransitionsUnconnected [G.H.K]"));
+}
+
+TEST_F(FCProcessDefinitionReaderTest, OfSubProcessesBehindAnotherTheInsideIsConnectedByItsFile) {
+    writeFolder("flow", "<task-node name=\"R\" nodeType=\"basicSubProcess\"/><task-node name=\"S\" "
+                        "nodeType=\"basicSubProcess\"/>");
+    for (char const* const folder : {"flow/R", "flow/S"})
+        writeFolder(folder, "<fork name=\"A\"><transition to=\"A\"/></fork>");
+    tree = read();
+    EXPECT_EQ(connectionsOf(child(tree.get(), L"R")), "A-A");
+    EXPECT_EQ(connectionsOf(child(tree.get(), L"S")), "A-A");
+    EXPECT_THAT(findings(), IsEmpty());
 }
 
 // --- Sub-processes -------------------------------------------------------------------------------------------
