@@ -97,7 +97,8 @@ IFCNode* CFCGPDReader::loadNode(DOMElement* element, IFCNode* node) {
     AttributeRow const row(element, kNames);
     IFCNode* const found = node->FindNodeSimple(WideText(row.view(0)));
     if (found == nullptr) {
-        m_findings.push_back({CFCLayoutFinding::NodeUnknown, node, TuString(WideText(row.view(0)).text())});
+        m_findings.push_back({CFCLayoutFinding::NodeUnknown, node, TuString(WideText(row.view(0)).text()),
+                              TuString(WideText(flowmere::tagOf(element)).text())});
         return nullptr;
     }
     setIcon(found, row[1]);
@@ -124,8 +125,8 @@ IFCNode* CFCGPDReader::loadNode(DOMElement* element, IFCNode* node) {
 void CFCGPDReader::passOver(DOMElement* element, IFCNode* node) {
     static constexpr AttributeTable kNames(u"x", u"y");
     auto const tell = [&](DOMElement* lost) {
-        m_findings.push_back(
-            {CFCLayoutFinding::ElementPassedOver, node, TuString(WideText(flowmere::tagOf(lost)).text())});
+        TuString const tag(WideText(flowmere::tagOf(lost)).text());
+        m_findings.push_back({CFCLayoutFinding::ElementPassedOver, node, tag, tag});
     };
     std::u16string_view const name = flowmere::tagOf(element);
     if (name == u"Status" || name == u"VARIABLES")

@@ -19,6 +19,7 @@ struct CFCLayoutFinding {
     Kind kind = NodeUnknown;
     IFCNode* node = nullptr; // the one that the element stands below; not owned
     TuString name;
+    TuString element; // tag of the element
 };
 
 // Reads gpd.xml into a tree that is there already, made of the process definition next to it. Nodes are matched by

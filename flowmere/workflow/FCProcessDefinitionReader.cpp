@@ -15,6 +15,7 @@
 #include "flowmere/model/FCNodeList.h"
 #include "flowmere/model/FCPointerConverter.h"
 #include "flowmere/model/FCProcessNode.h"
+#include "flowmere/workflow/FCGPDReader.h"
 #include "flowmere/workflow/FCProcessVarReader.h"
 #include "flowmere/workflow/WorkflowFile.h"
 #include "flowmere/workflow/WorkflowFileChain.h"
@@ -276,7 +277,6 @@ void CFCProcessDefinitionReader::Attach(IFCNode* node) {
 bool CFCProcessDefinitionReader::Parse(wchar_t const* path, IFCNode** node, int) {
     static constexpr AttributeTable kNames(u"name", u"version");
     m_findings.clear();
-    m_layoutFindings.clear();
     TuString const file(path);
     m_strFilePath = file;
     if (file.IsEmpty())
@@ -285,7 +285,8 @@ bool CFCProcessDefinitionReader::Parse(wchar_t const* path, IFCNode** node, int)
     if (at < 0)
         return false;
     TuString const folder = withoutSeparator(file.Left(at));
-    if (m_strBaseFolder.IsEmpty())
+    // The folder of the top file serves at any depth, that of a plain name too.
+    if (m_strBaseFolder.IsEmpty() && m_pChain == nullptr)
         m_strBaseFolder = folder;
     if (node == nullptr || m_pNodeFactory == nullptr || !Initialize(file))
         return false;
@@ -331,7 +332,6 @@ bool CFCProcessDefinitionReader::Parse(wchar_t const* path, IFCNode** node, int)
 
 bool CFCProcessDefinitionReader::LoadFileNode(wchar_t const* path, IFCNode* node) {
     m_findings.clear();
-    m_layoutFindings.clear();
     TuString file(path);
     if (node == nullptr || m_pNodeFactory == nullptr)
         return false;
@@ -379,8 +379,8 @@ void CFCProcessDefinitionReader::readLayout(TuString const& path, IFCNode* node)
         findBroken(CFCEnvironment::IsFileExist(path) ? CFCWorkflowFinding::LayoutBroken
                                                      : CFCWorkflowFinding::LayoutMissing,
                    node, path, reader);
-    std::vector<CFCLayoutFinding> const& found = reader.GetLayoutFindings();
-    m_layoutFindings.insert(m_layoutFindings.end(), found.begin(), found.end());
+    for (CFCLayoutFinding const& lost : reader.GetLayoutFindings())
+        findLayout(path, lost);
 }
 
 // The folder of a sub-process lies below the base folder under the path of its block. `inner` holds the block, and
@@ -413,15 +413,13 @@ void CFCProcessDefinitionReader::readSubProcess(DOMElement* child, Inner& inner)
     nested.m_pChain = m_pChain;
     bool const isRead = nested.Parse(path, &inner.node, kFlags);
     std::move(nested.m_findings.begin(), nested.m_findings.end(), std::back_inserter(m_findings));
-    std::move(nested.m_layoutFindings.begin(), nested.m_layoutFindings.end(), std::back_inserter(m_layoutFindings));
     if (!isRead && *nested.GetErrorText() != L'\0')
         findBroken(CFCWorkflowFinding::NestedFileBroken, block, path, nested);
     if (inner.node == block)
         return;
     inner.stray = inner.node;
     find(CFCWorkflowFinding::ElementLost, block, child);
-    chain.strays.push_back(
-        {inner.stray, TuString(block->GetNodePath()), m_findings.size(), m_layoutFindings.size(), chain.isHandedOut});
+    chain.strays.push_back({inner.stray, TuString(block->GetNodePath()), m_findings.size(), chain.isHandedOut});
     chain.isHandedOut = false;
 }
 
@@ -492,15 +490,11 @@ void CFCProcessDefinitionReader::close(std::vector<Level>& levels) {
     // What the container knows of is in its hands.
     if (isHandedOut)
         return;
-    auto const forget = [stray](auto& findings, std::size_t first) {
-        for (std::size_t number = first; number < findings.size(); ++number) {
-            IFCNode*& node = findings[number].node;
-            if (node != nullptr && node->GetRootNode() == stray)
-                node = nullptr;
-        }
-    };
-    forget(m_findings, ended.findings);
-    forget(m_layoutFindings, ended.layoutFindings);
+    for (std::size_t number = ended.findings; number < m_findings.size(); ++number) {
+        IFCNode*& node = m_findings[number].node;
+        if (node != nullptr && node->GetRootNode() == stray)
+            node = nullptr;
+    }
     CFCNodeHelper::DestroyTree(stray);
 }
 
@@ -717,6 +711,7 @@ int CFCProcessDefinitionReader::GetNodeTypeFromName(wchar_t const* name) {
 
 void CFCProcessDefinitionReader::loadType(Level& level, DOMElement* child) {
     TuString const text = ownTextOf(child);
+    findAttributes(level.node, child, kNoNames, 0);
     findChildren(level.node, child);
     if (text.IsEmpty())
         return;
@@ -732,6 +727,7 @@ void CFCProcessDefinitionReader::loadDescription(Level& level, DOMElement* child
         level.task->SetTaskDescription(text);
     if (!isOfTask)
         level.node->SetNodeDescription(text);
+    findAttributes(level.node, child, kNoNames, 0);
     findChildren(level.node, child);
 }
 
@@ -741,6 +737,7 @@ void CFCProcessDefinitionReader::loadSubProcess(Level& level, DOMElement* child)
     if (level.task != nullptr && !row.view(0).empty())
         level.task->SetAssociatedSubProcess(textOf(row.view(0)));
     findAttributes(level.node, child, kNames.names(), countOf(row));
+    findText(level.node, child);
     findChildren(level.node, child);
 }
 
@@ -1011,6 +1008,7 @@ bool CFCProcessDefinitionReader::LoadPoints(DOMElement* element, CFCTransitionDa
     static constexpr AttributeTable kNames(u"Location_X", u"Location_Y");
     if (transition == nullptr)
         return true;
+    IFCNode* const node = transition->GetParentNode();
     int count = 0;
     int length = -1; // of the route up to a point that ends it
     for (DOMElement* child = flowmere::firstElement(element); child != nullptr; child = flowmere::nextElement(child)) {
@@ -1020,12 +1018,16 @@ bool CFCProcessDefinitionReader::LoadPoints(DOMElement* element, CFCTransitionDa
         _TgPointLStr point{};
         row.integer(0, point.x);
         row.integer(1, point.y);
+        findNumber(node, child, u"Location_X", row.view(0));
+        findNumber(node, child, u"Location_Y", row.view(1));
+        findAttributes(node, child, kNames.names(), countOf(row));
+        findText(node, child);
+        findChildren(node, child);
         transition->AddPoint(count, point); // beyond its room it takes none
         if (point.x == 0 && length < 0)
             length = count;
         ++count;
     }
-    IFCNode* const node = transition->GetParentNode();
     if (length >= 0 && length < CFCTransitionData::kPointCount)
         find(CFCWorkflowFinding::RouteCut, node, element).value.Format(L"%d", count - length);
     else if (count > CFCTransitionData::kPointCount)
@@ -1042,6 +1044,7 @@ void CFCProcessDefinitionReader::loadAction(Level& level, DOMElement* child, Inn
     inner.node = level.node;
     if (level.around == Around::ModulePath) {
         level.task->SetModulePath(ownTextOf(child));
+        findAttributes(level.node, child, kNoNames, 0);
         return;
     }
     AttributeRow const row(child, kRecordNames);
@@ -1059,6 +1062,7 @@ void CFCProcessDefinitionReader::loadAction(Level& level, DOMElement* child, Inn
 void CFCProcessDefinitionReader::loadModulePath(Level& level, DOMElement* child, Inner& inner) {
     if (level.task != nullptr)
         level.task->SetModulePath(ownTextOf(child));
+    findAttributes(level.node, child, kNoNames, 0);
     inner.node = level.node;
 }
 
@@ -1072,6 +1076,7 @@ void CFCProcessDefinitionReader::loadFunction(Level& level, DOMElement* child, I
         record->SetActionFunction(ownTextOf(child));
     else
         findText(level.node, child);
+    findAttributes(level.node, child, kNoNames, 0);
 }
 
 void CFCProcessDefinitionReader::loadScript(Level& level, DOMElement* child) {

@@ -3,7 +3,6 @@
 
 #include "flowmere/Export.h"
 #include "flowmere/foundation/TuString.h"
-#include "flowmere/workflow/FCGPDReader.h"
 #include "flowmere/xml/TXMLBaseReader.h"
 
 #include <cstddef>
@@ -16,6 +15,7 @@ class CFCConnector;
 class CFCNodeFactory;
 class CFCTransitionData;
 class IFCNode;
+struct CFCLayoutFinding;
 
 namespace flowmere {
 class WorkflowFileChain;
@@ -47,6 +47,8 @@ struct CFCWorkflowFinding {
         ElementLost = 19,            // a sub-process without variables: what its element holds does not reach its block
         RouteCut = 21,               // a point at x 0 ends a route: the number of points from there on is value
         ConnectorNotMade = 20,       // the factory makes no connector for a transition: value is its target
+        LayoutNodeUnknown = 22,      // a node of the layout that the tree does not have: its name
+        LayoutElementPassedOver = 23, // an element of the layout without a place in the tree, with all that it holds
     };
     Kind kind = ElementPassedOver;
     TuString file;           // path of the file that has it, or that is missing or broken, as it was to be opened
@@ -116,8 +118,6 @@ public:
     // What the last Parse or LoadFileNode passed over, nested folders included. A top file that cannot be read is no
     // finding: GetErrorText and its neighbours tell of it.
     std::vector<CFCWorkflowFinding> const& GetFindings() const { return m_findings; }
-    // What the layouts among these files have that the tree does not, nested folders included.
-    std::vector<CFCLayoutFinding> const& GetLayoutFindings() const { return m_layoutFindings; }
     // The version of the last definition that named one above 0; 1 before that.
     double GetVersion() const { return m_dVersion; }
 
@@ -175,6 +175,7 @@ private:
     void findRoot(XERCES_CPP_NAMESPACE::DOMElement* root, IFCNode* node);
     void findTransition(CFCWorkflowFinding::Kind kind, IFCNode* child, CFCTransitionData* transition);
     void findBroken(CFCWorkflowFinding::Kind kind, IFCNode* node, TuString const& path, CTXMLBaseReader const& reader);
+    void findLayout(TuString const& path, CFCLayoutFinding const& lost);
     void findUnconnected(IFCNode* sibling);
     void forgetIcons();
 
@@ -186,5 +187,4 @@ private:
     double m_dVersion = 1.0;
     flowmere::WorkflowFileChain* m_pChain = nullptr; // of the files that are being read; lives as long as the top call
     std::vector<CFCWorkflowFinding> m_findings;
-    std::vector<CFCLayoutFinding> m_layoutFindings;
 };

@@ -18,7 +18,6 @@ public:
         IFCNode* root = nullptr;
         TuString place;           // of the block whose element it took
         std::size_t findings = 0; // number of those before it
-        std::size_t layoutFindings = 0;
         bool wasHandedOut = false;
     };
 

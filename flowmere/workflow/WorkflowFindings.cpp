@@ -3,6 +3,7 @@
 #include "flowmere/model/FCActionData.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCNode.h"
+#include "flowmere/workflow/FCGPDReader.h"
 #include "flowmere/workflow/FCProcessDefinitionReader.h"
 #include "flowmere/workflow/WorkflowFile.h"
 #include "flowmere/workflow/WorkflowFileChain.h"
@@ -135,6 +136,7 @@ void CFCProcessDefinitionReader::findRoot(DOMElement* root, IFCNode* node) {
         findValue(CFCWorkflowFinding::AttributePassedOver, node, root, u"label", row.view(3));
     if (row.has(4) && flowmere::integerOf(row.view(4)) != (task != nullptr ? task->GetMaxIterations() : 0))
         findValue(CFCWorkflowFinding::AttributePassedOver, node, root, u"max-iterations", row.view(4));
+    findNumber(node, root, u"version", row.view(1));
     findAttributes(node, root, kNames.names(), 0);
     findText(node, root);
 }
@@ -154,6 +156,16 @@ void CFCProcessDefinitionReader::findBroken(CFCWorkflowFinding::Kind kind, IFCNo
     finding.error = reader.GetErrorText();
     finding.line = reader.GetErrorLine();
     finding.column = reader.GetErrorColumn();
+}
+
+void CFCProcessDefinitionReader::findLayout(TuString const& path, CFCLayoutFinding const& lost) {
+    bool const isNode = lost.kind == CFCLayoutFinding::NodeUnknown;
+    CFCWorkflowFinding& finding =
+        find(isNode ? CFCWorkflowFinding::LayoutNodeUnknown : CFCWorkflowFinding::LayoutElementPassedOver, lost.node);
+    finding.file = path;
+    finding.element = lost.element;
+    if (isNode)
+        finding.name = lost.name;
 }
 
 // Groups from this sibling on, and below them, whose children have transitions. Sub-processes among them have

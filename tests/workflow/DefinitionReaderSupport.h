@@ -81,6 +81,8 @@ inline char const* nameOf(CFCWorkflowFinding::Kind kind) {
         "ElementLost",
         "ConnectorNotMade",
         "RouteCut",
+        "LayoutNodeUnknown",
+        "LayoutElementPassedOver",
     };
     return kNames[kind];
 }

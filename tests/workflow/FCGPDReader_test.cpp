@@ -492,6 +492,12 @@ TEST_F(FCGPDReader, FindingsTellOfUnknownNodesAndElements) {
           <edge><label x="0" y="0"/></edge><edge><label/></edge><edge><label x="1"/></edge><edge><label y="-1"/></edge>
           <Status><State/><other/></Status><VARIABLES><VARIABLE/></VARIABLES><BORDER/><FONT/>
         </node-container>)"));
+    for (CFCLayoutFinding const& finding : reader.GetLayoutFindings()) {
+        if (finding.kind == CFCLayoutFinding::NodeUnknown)
+            EXPECT_THAT(narrow(finding.element), testing::StartsWith("node"));
+        else
+            EXPECT_EQ(finding.element, finding.name);
+    }
     EXPECT_THAT(findings(), ElementsAre("?nobody below flow", "? below flow", "border below group", "?gone below group",
                                         "label below group", "label below group"));
     OpenReader const copy(reader);

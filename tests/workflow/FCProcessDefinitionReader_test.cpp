@@ -217,22 +217,24 @@ TEST_F(FCProcessDefinitionReaderTest, WhatLayoutsHaveBesidesIsToldForAllFolders)
     writeFolder("flow/S",
                 "<task-node name=\"T\" nodeType=\"basicSubProcess\"><odd/><task-node name=\"U\" "
                 "nodeType=\"basicSubProcess\"/></task-node>",
-                "<root-container><node name=\"inner\"/></root-container>");
+                "<root-container><node-container name=\"inner\"/><grid name=\"g\"/></root-container>");
     writeFolder("flow/S/T", "", "<root-container><node name=\"unread\"/></root-container>");
     std::filesystem::remove(scratch / "flow/S/T/process.var");
     writeFolder("flow/U", "", "<root-container><node name=\"outside\"/></root-container>");
     tree = read();
-    auto const& layout = reader.GetLayoutFindings();
-    ASSERT_EQ(layout.size(), 3u);
-    EXPECT_EQ(narrow(layout[0].name), "outside");
-    EXPECT_EQ(layout[0].node, nullptr); // it stood on a node that is gone
-    EXPECT_EQ(narrow(layout[1].name), "inner");
-    EXPECT_EQ(layout[1].node, child(tree.get(), L"S"));
-    EXPECT_EQ(narrow(layout[2].name), "top");
-    EXPECT_EQ(layout[2].node, tree.get());
+    EXPECT_THAT(findings(),
+                ElementsAre("VariablesMissing [S.T]", "ElementLost [S.T] <task-node>", "ElementPassedOver [S.T] <odd>",
+                            "LayoutNodeUnknown [S.T.U] <node> outside", "LayoutNodeUnknown [S] <node-container> inner",
+                            "LayoutElementPassedOver [S] <grid>", "LayoutNodeUnknown [] <node> top"));
+    EXPECT_EQ(reader.GetFindings()[3].node, nullptr); // it stood on a node that is gone
+    EXPECT_EQ(reader.GetFindings()[3].file, path("flow/U/gpd.xml"));
+    EXPECT_EQ(reader.GetFindings()[4].node, child(tree.get(), L"S"));
+    EXPECT_EQ(reader.GetFindings()[4].file, path("flow/S/gpd.xml"));
+    EXPECT_EQ(reader.GetFindings()[6].node, tree.get());
+    EXPECT_EQ(reader.GetFindings()[6].file, path("flow/gpd.xml"));
     writeFolder("flow", "");
     tree = read();
-    EXPECT_THAT(reader.GetLayoutFindings(), IsEmpty());
+    EXPECT_THAT(findings(), IsEmpty());
 }
 
 TEST_F(FCProcessDefinitionReaderTest, FindingsAreThoseOfTheLastCall) {
@@ -265,6 +267,54 @@ TEST_F(FCProcessDefinitionReaderTest, SlashesAndAPlainNameWork) {
     Tree const owner(node);
     EXPECT_EQ(outlineOf(node), "156 F");
     EXPECT_THAT(plain.GetFindings(), IsEmpty());
+}
+
+TEST_F(FCProcessDefinitionReaderTest, ThePlainNameOfTheTopFileServesAtAnyDepth) {
+    writeFolder("flow", "<task-node name=\"S\" nodeType=\"basicSubProcess\"/>");
+    writeFolder("flow/S", "<task-node name=\"T\" nodeType=\"basicSubProcess\"/>");
+    writeFolder("flow/S/T", "<fork name=\"F\"/>");
+    reader.SetNodeFactory(factory);
+    IFCNode* node = nullptr;
+    std::filesystem::path const before = std::filesystem::current_path();
+    std::filesystem::current_path(scratch / "flow");
+    bool const result = reader.Parse(L"processdefinition.xml", &node, 16);
+    std::filesystem::current_path(before);
+    EXPECT_TRUE(result);
+    tree = Tree(node);
+    IFCNode* const inner = child(child(tree.get(), L"S"), L"T");
+    EXPECT_EQ(outlineOf(inner), "156 F");
+    EXPECT_EQ(narrow(inner->GetBPMBlockData()->GetJythonScriptFileName()), ""); // no folder, no path of a script
+    EXPECT_THAT(findings(), IsEmpty());
+}
+
+TEST_F(FCProcessDefinitionReaderTest, NestedFilesLeaveTheVersionAlone) {
+    for (auto const& [top, version] : std::vector<std::pair<std::string, double>>{{"3", 3.0}, {"0", 1.0}}) {
+        scratch.write("flow/processdefinition.xml",
+                      definition("<task-node name=\"S\" nodeType=\"basicSubProcess\"/>", "version=\"" + top + "\""));
+        scratch.write("flow/process.var", kBareVariables);
+        scratch.write("flow/gpd.xml", kBareLayout);
+        writeFolder("flow/S", "");
+        scratch.write("flow/S/processdefinition.xml", definition("", "version=\"7\""));
+        CFCProcessDefinitionReader fresh;
+        fresh.SetNodeFactory(factory);
+        IFCNode* node = nullptr;
+        EXPECT_TRUE(fresh.Parse(definitionPath(), &node, 16));
+        Tree const owner(node);
+        EXPECT_EQ(fresh.GetVersion(), version);
+    }
+}
+
+TEST_F(FCProcessDefinitionReaderTest, TheContainerIsHandedWhatLayoutsDraw) {
+    writeFolder("flow", "<fork name=\"F\"/><task-node name=\"S\" nodeType=\"basicSubProcess\"/>",
+                "<root-container><node name=\"F\"><FONT/></node><node name=\"S\"/></root-container>");
+    writeFolder("flow/S", "<join name=\"J\"><transition to=\"J\"/></join>",
+                "<root-container><node name=\"J\"><FONT/></node></root-container>");
+    Container container;
+    reader.SetContainer(&container);
+    tree = read();
+    IFCNode* const inner = child(tree.get(), L"S");
+    EXPECT_THAT(container.attached,
+                ElementsAre(child(inner, L"J"), only(connectorsOf(inner)), child(tree.get(), L"F")));
 }
 
 TEST_F(FCProcessDefinitionReaderTest, CopiesShareFactoryAndDocument) {
@@ -1677,7 +1727,8 @@ TEST_F(FCProcessDefinitionReaderTest, RootAttributesThatTheBlockHasTooAreNoLoss)
     scratch.write("flow/processdefinition.xml", definition("", attributes + " initial=\"x\""));
     tree = read();
     EXPECT_THAT(findings(),
-                testing::UnorderedElementsAre("AttributePassedOver [] <process-definition> label = L",
+                testing::UnorderedElementsAre("LayoutNodeUnknown [] <node> S", // which the definition lost
+                                              "AttributePassedOver [] <process-definition> label = L",
                                               "AttributePassedOver [] <process-definition> max-iterations = 4",
                                               "AttributePassedOver [] <process-definition> initial = x"));
 }
@@ -1964,15 +2015,25 @@ TEST_F(FCProcessDefinitionReaderTest, AMacroNodeIsSoughtByTheFactory) {
     MacroFactory macros;
     macros.macro = path("macros/processdefinition.xml");
     reader.SetNodeFactory(&macros);
-    Tree const list(plainFactory.Create(160));
-    tree = Tree(plainFactory.Create(160));
-    tree->SetNodeLocationType(1);
-    if (tree->GetNodeLocationType() == 1) {
-        EXPECT_TRUE(reader.LoadFileNode(L"nowhere.xml", tree.get()));
-        EXPECT_EQ(outlineOf(tree.get()), "156 F");
-        EXPECT_EQ(macros.asked, L"");
+    tree = newWorkflow();
+    IFCNode* const link = addNode(tree.get(), 170, L"Link");
+    for (int const location : {0, 2}) {
+        link->SetNodeLocationType(location);
+        EXPECT_FALSE(reader.LoadFileNode(L"nowhere.xml", link));
+        EXPECT_EQ(macros.asked, L"never");
     }
-    EXPECT_FALSE(reader.LoadFileNode(L"nowhere.xml", list.get())); // any other location
+    link->SetNodeLocationType(1);
+    EXPECT_TRUE(reader.LoadFileNode(L"nowhere.xml", link));
+    EXPECT_EQ(macros.asked, L"");
+    EXPECT_EQ(outlineOf(link), "156 F");
+    // What is there is taken as it is.
+    writeFolder("flow", "<join name=\"J\"/>");
+    macros.asked = L"never";
+    EXPECT_TRUE(reader.LoadFileNode(definitionPath(), link));
+    EXPECT_EQ(macros.asked, L"never");
+    EXPECT_EQ(outlineOf(link), "156 F, 157 J");
+    macros.macro = path("macros/nothing.xml");
+    EXPECT_FALSE(reader.LoadFileNode(L"nowhere.xml", link));
 }
 
 TEST_F(FCProcessDefinitionReaderTest, AMissingOrBrokenFileOfAFileNodeIsRefused) {
@@ -2084,6 +2145,33 @@ TEST_F(FCProcessDefinitionReaderTest, CommentsAndTextsBetweenElementsAreHarmless
     EXPECT_EQ(connectionsOf(tree.get()), "F-F");
     EXPECT_THAT(findings(),
                 ElementsAre("TextPassedOver [F] <fork> = stray", "TextPassedOver [] <process-definition> = lost"));
+}
+
+TEST_F(FCProcessDefinitionReaderTest, AttributesOfElementsThatHaveNoneAreTold) {
+    scratch.write("flow/process.var", kBareVariables);
+    scratch.write("flow/gpd.xml", kBareLayout);
+    scratch.write("flow/processdefinition.xml",
+                  definition("<type id=\"a\">TASK</type><description lang=\"b\">d</description><event><action "
+                             "name=\"n\"><modulePath id=\"c\">m<action name=\"d\">k</action></modulePath><function "
+                             "id=\"e\">f</function></action></event><sub-process name=\"s\">text</sub-process>",
+                             "version=\"new\""));
+    tree = read();
+    EXPECT_EQ(narrow(tree->GetBPMBlockData()->GetModulePath()), "k");
+    EXPECT_THAT(findings(),
+                ElementsAre("AttributePassedOver [] <type> id = a", "AttributePassedOver [] <description> lang = b",
+                            "AttributePassedOver [] <modulePath> id = c", "AttributePassedOver [] <action> name = d",
+                            "AttributePassedOver [] <function> id = e", "TextPassedOver [] <sub-process> = text",
+                            "ValueNotRead [] <process-definition> version = new"));
+}
+
+TEST_F(FCProcessDefinitionReaderTest, PointsHoldTwoNumbersAndNoMore) {
+    tree = readInside("<fork name=\"F\"><transition to=\"F\"><POINT Location_X=\"5\" Location_Y=\"low\" z=\"1\">t<a/>"
+                      "</POINT><POINT Location_X=\"left\" Location_Y=\"6\"/></transition></fork>");
+    EXPECT_EQ(routeOf(only(transitionsOf(child(tree.get(), L"F")))), "5,0 ");
+    EXPECT_THAT(findings(),
+                ElementsAre("ValueNotRead [F] <POINT> Location_Y = low", "AttributePassedOver [F] <POINT> z = 1",
+                            "TextPassedOver [F] <POINT> = t", "ElementPassedOver [F] <a>",
+                            "ValueNotRead [F] <POINT> Location_X = left", "RouteCut [F] <transition> = 1"));
 }
 
 TEST_F(FCProcessDefinitionReaderTest, TextsPassedOverAreToldWithoutTheWhiteSpaceAround) {
