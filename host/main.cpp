@@ -6,8 +6,10 @@
 #include "host/commands/Completion.h"
 #include "host/commands/Diff.h"
 #include "host/commands/Draw.h"
+#include "host/commands/Export.h"
 #include "host/commands/Format.h"
 #include "host/commands/Generate.h"
+#include "host/commands/Import.h"
 #include "host/commands/Library.h"
 #include "host/commands/Man.h"
 #include "host/commands/Run.h"
@@ -41,6 +43,8 @@ constexpr void (*kCommands[])(CLI::App& app, Result& result) = {
     addShell,      //
     addGenerate,   //
     addFormat,     //
+    addExport,     //
+    addImport,     //
     addCatalog,    //
     addLibrary,    //
     addCompletion, //

@@ -1,6 +1,7 @@
 #include "host/document/ReadBack.h"
 
 #include "host/basics/Text.h"
+#include "host/document/Places.h"
 #include "host/document/Tree.h"
 
 #include <fmt/format.h>
@@ -112,9 +113,12 @@ private:
         m_take(m_place, "its font",
                fmt::format("{} {} {} {} {} {}", data->Bold, data->Italics, data->FontSize, data->Format,
                            data->FontColor, utf8(data->FontName)));
-        if (TuRect const* const place = node.GetTuRect())
+        if (TuRect const* const rect = node.GetTuRect()) {
+            // Reading cuts measures off: a hundredth of an inch is no loss.
+            TuRect const place = settled(*rect);
             m_take(m_place, "its place in the diagram",
-                   fmt::format("{} {} {} {}", place->left, place->top, place->right, place->bottom));
+                   fmt::format("{} {} {} {}", place.left, place.top, place.right, place.bottom));
+        }
     }
 
     void tellVariable(TreeVariable const& variable, bool isLinked) {

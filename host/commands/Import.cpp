@@ -1,0 +1,143 @@
+#include "host/commands/Import.h"
+
+#include "host/basics/Text.h"
+#include "host/basics/WorkFolder.h"
+#include "host/document/Document.h"
+#include "host/document/ReadBack.h"
+#include "host/document/WorkflowFolder.h"
+#include "host/workflow/FolderVariables.h"
+#include "host/workflow/FromWorkflow.h"
+#include "host/workflow/Report.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+
+namespace flowmere::host {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Options {
+    std::string folder;
+    std::string out;
+    bool json = false;
+};
+
+// Catalogs lie beside the document that is to be.
+void setRoots(std::string const& out) {
+    TuString const folder = libraryPath(fs::absolute(out).lexically_normal().parent_path());
+    CFCEnvironment::SetBasePath(folder);
+    CFCEnvironment::SetProjectPath(folder);
+    CFCEnvironment::SetUserPath(folder);
+    CFCEnvironment::SetMacroBasePath(folder);
+}
+
+std::vector<Note> notesOf(WorkflowFolder const& folder, std::string const& name) {
+    std::vector<Note> notes;
+    for (CFCWorkflowFinding const& finding : folder.findings)
+        notes.push_back(
+            {Note::Kind::Lost, utf8(finding.place),
+             (finding.element.IsEmpty() ? fileOf(finding, name) + ": " : std::string()) + describe(finding)});
+    return notes;
+}
+
+// Writes the tree as a document and opens that, for it to be saved. What a document does not keep is noted.
+std::unique_ptr<Document> documentOf(NativeTree& tree, WorkFolder const& work, std::string const& out) {
+    fs::path const file = work.path() / "document.xml";
+    CFCWriter writer;
+    if (!writer.WriteFile(libraryPath(file), tree.process.get(), true))
+        throw Failure(out, "", "cannot be written: the document could not be built");
+    try {
+        auto document = std::make_unique<Document>(file.string());
+        ReadBack const readBack = compareReadBack(*tree.process, document->process());
+        if (readBack.loss)
+            tree.notes.push_back({Note::Kind::Lost, readBack.loss->place,
+                                  fmt::format("{}: a document does not keep it",
+                                              readBack.loss->what.empty() ? "all of it" : readBack.loss->what)});
+        for (std::string const& variable : readBack.respaced)
+            tree.notes.push_back(
+                {Note::Kind::Lost, variable, "white space of its value: a document does not keep all"});
+        return document;
+    } catch (Failure const& failure) {
+        throw Failure(out, "",
+                      std::string("cannot be written: there is no room in ") + work.path().parent_path().string() +
+                          ", or a text holds what XML cannot");
+    }
+}
+
+// The document must not take the place of a file that it is read from.
+void checkTarget(Options const& options) {
+    std::optional<fs::path> const definition = workflowDefinition(options.folder);
+    std::error_code error;
+    for (char const* const name : {"processdefinition.xml", "gpd.xml", "process.var"})
+        if (definition && fs::equivalent(definition->parent_path() / name, options.out, error))
+            throw Failure(options.out, "", "cannot be written: it is a file of the workflow folder, which is read");
+}
+
+int importFolder(Options const& options) {
+    Document::checkCanSave(options.out);
+    checkTarget(options);
+    setRoots(options.out);
+    WorkflowFolder const folder = readWorkflowFolder(options.folder);
+    fs::path const path = folder.definition.parent_path();
+    completeVariables(path, *folder.process);
+    NativeTree tree = fromWorkflow(*folder.process, path);
+    std::vector<Note> notes = notesOf(folder, options.folder);
+    notes.insert(notes.end(), tree.notes.begin(), tree.notes.end());
+    tree.notes = std::move(notes);
+    WorkFolder const work(options.out);
+    documentOf(tree, work, options.out)->save(options.out);
+
+    bool const isBeside = fs::absolute(options.out).lexically_normal().parent_path() == path;
+    if (options.json) {
+        Json out = {{"folder", options.folder},
+                    {"file", options.out},
+                    {"blocks", tree.blocks},
+                    {"connectors", tree.connectors},
+                    {"variables", tree.variables},
+                    {"scripts", tree.scripts},
+                    {"scriptRoot", tree.scripts > 0 ? Json(path.string()) : Json(nullptr)}};
+        addNotes(out, tree.notes);
+        printOut(jsonText(out));
+    } else {
+        auto const count = [](int number, std::string_view what) {
+            return counted(static_cast<std::size_t>(number), what);
+        };
+        std::string text = textOf(tree.notes);
+        text += fmt::format("{} -> {}: {}, {}, {}, {}; {}\n", oneLine(options.folder), oneLine(options.out),
+                            count(tree.blocks, "block"), count(tree.connectors, "connector"),
+                            count(tree.variables, "variable"), count(tree.scripts, "script"), summaryOf(tree.notes));
+        if (tree.scripts > 0 && !isBeside)
+            text += fmt::format("The scripts stay in the folder: run it with --scripts {}\n", oneLine(options.folder));
+        printOut(text);
+    }
+    return hasLosses(tree.notes) ? kExitFound : kExitWell;
+}
+
+} // namespace
+
+void addImport(CLI::App& app, Result& result) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("import", "Make a document of a workflow folder");
+    command->add_option("DIR", options->folder, "The workflow folder, which stays as it is")->required();
+    command->add_option("OUT", options->out, "The process document to write")->required();
+    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
+    command->footer("A line for each thing that is not the same in the document: ~ for what is carried in another\n"
+                    "form, - for what is not carried or was passed over, and why. Scripts stay in the folder.\n"
+                    "Exit code: 0 nothing is lost, 1 the document is written and something is lost, 2 nothing is\n"
+                    "written.\n"
+                    "\n"
+                    "Example:\n"
+                    "  flowmere import BrindleExec/beam beam-back.xml");
+    command->callback([options, &result] { result.exitCode = importFolder(*options); });
+}
+
+} // namespace flowmere::host
