@@ -48,8 +48,8 @@ Check::Known const& Check::known(std::size_t node) {
     CFCBlockNode& block = *tree.nodes()[node].block;
     if (block.GetScriptType() != EScriptType_PYTHON)
         return *known;
-    std::string const name = utf8(block.GetScriptName());
-    if (auto const& file = scriptFile(name)) {
+    std::string const name = document.scriptName(block);
+    if (auto const& file = document.isWorkflowFolder() ? document.scriptFile(block) : scriptFile(name)) {
         known->state = ScriptState::Found;
         known->script = {name, *file, &scripts.factsOf(*file, partsOf(name).back())};
     } else {
@@ -123,6 +123,41 @@ std::string Check::suggestTarget(TreeVariable const& variable) {
     return suggest(path, tree.variables().size(), pathsOf(0, tree.variables().size()));
 }
 
+bool Check::isPartlyKnown(std::size_t container) {
+    if (!m_partlyKnown) {
+        m_partlyKnown.emplace();
+        for (CFCWorkflowFinding const& finding : document.workflowFindings()) {
+            std::size_t const node = finding.node != nullptr ? tree.indexOf(finding.node) : 0;
+            if (node == Tree::kNone)
+                continue;
+            if (isUnreadNode(finding))
+                m_partlyKnown->insert(node);
+            else if (finding.kind == CFCWorkflowFinding::ElementLost && tree.nodes()[node].parent != Tree::kNone)
+                m_partlyKnown->insert(tree.nodes()[node].parent);
+        }
+    }
+    return m_partlyKnown->count(container) > 0;
+}
+
+bool Check::hasFarTransitions() {
+    auto const isFar = [](TreeNode const& node) {
+        CFCBPMBlockData* const task = node.isOfWorkflow ? node.node->GetBPMBlockData() : nullptr;
+        IFCNode* const parent = node.node->GetParentNode();
+        if (task == nullptr || parent == nullptr)
+            return false;
+        CFCTransitionList& list = *task->GetTransitionList();
+        for (__FCPOSITION* place = list.GetHeadPosition(); place != nullptr;)
+            if (CFCTransitionData* const transition = list.GetNext(place))
+                if (utf8(transition->GetTransitionTo()).find('/') != std::string::npos &&
+                    parent->FindNodeSimple(transition->GetTransitionTo()) == nullptr)
+                    return true;
+        return false;
+    };
+    if (!m_hasFarTransitions)
+        m_hasFarTransitions = std::any_of(tree.nodes().begin(), tree.nodes().end(), isFar);
+    return *m_hasFarTransitions;
+}
+
 std::vector<Finding> Check::take() {
     auto const order = [](Entry const& entry) {
         return std::tie(entry.node, entry.place);
@@ -146,6 +181,7 @@ std::vector<Finding> findingsOf(Document& document, Scripts& scripts) {
     checkFlow(check);
     checkLinks(check);
     checkReading(check);
+    checkWorkflow(check);
     return check.take();
 }
 

@@ -31,6 +31,20 @@ inline constexpr std::string_view kScriptSyntax = "script-syntax";
 inline constexpr std::string_view kScriptClass = "script-class";
 inline constexpr std::string_view kScriptImport = "script-import";
 inline constexpr std::string_view kNotIdentifier = "not-identifier";
+// Of workflows, by what their engine refuses or does.
+inline constexpr std::string_view kStartState = "start-state";
+inline constexpr std::string_view kUnknownTarget = "unknown-target";
+inline constexpr std::string_view kStateTransition = "state-transition";
+inline constexpr std::string_view kDuplicateNode = "duplicate-node";
+inline constexpr std::string_view kSlashInName = "slash-in-name";
+inline constexpr std::string_view kForkNames = "fork-names";
+inline constexpr std::string_view kForkWithoutJoin = "fork-without-join";
+inline constexpr std::string_view kJoinBranches = "join-branches";
+inline constexpr std::string_view kNoTask = "no-task";
+inline constexpr std::string_view kScriptEvent = "script-event";
+inline constexpr std::string_view kEventType = "event-type";
+inline constexpr std::string_view kPriority = "priority";
+inline constexpr std::string_view kGroupEntry = "group-entry";
 
 // One thing that is wrong.
 struct Finding {
@@ -80,6 +94,12 @@ public:
     // others.
     std::string suggestTarget(TreeVariable const& variable);
 
+    // Whether not all nodes and transitions of the container are known: its workflow has some that were not read, and
+    // what leads where cannot be told.
+    bool isPartlyKnown(std::size_t container);
+    // Whether some transition of the workflow leads out of its container or into another one.
+    bool hasFarTransitions();
+
     // In the order of the document: what is told of a node, of its variables, of its children, and of what else it
     // holds.
     std::vector<Finding> take();
@@ -104,6 +124,8 @@ private:
     std::vector<std::optional<Known>> m_known; // by node
     std::unordered_map<std::string, std::optional<std::filesystem::path>> m_files;
     std::unordered_map<std::string, std::unordered_set<std::string>> m_modules; // by folder
+    std::optional<std::unordered_set<std::size_t>> m_partlyKnown;
+    std::optional<bool> m_hasFarTransitions;
 };
 
 void checkIds(Check& check);     // duplicate-id, duplicate-variable
@@ -113,6 +135,9 @@ void checkGrips(Check& check);   // decision-grip
 void checkFlow(Check& check);    // unreachable-block
 void checkLinks(Check& check);   // dead-link, link-loop
 void checkReading(Check& check); // missing-connector-block, missing-file
+// start-state, unknown-target, state-transition, duplicate-node, slash-in-name, fork-names, fork-without-join,
+// join-branches, no-task, script-event, event-type, priority, group-entry
+void checkWorkflow(Check& check);
 
 // All of them.
 std::vector<Finding> findingsOf(Document& document, Scripts& scripts);

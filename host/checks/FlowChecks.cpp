@@ -23,7 +23,7 @@ Exits exitsOf(Check& check, std::size_t index) {
     TreeNode const& node = check.tree.nodes()[index];
     Exits exits;
     int const kind = node.node->GetNodeType();
-    exits.engine = isWorkflowKind(kind);
+    exits.engine = node.isOfWorkflow || isWorkflowKind(kind);
     exits.any = isDecisionKind(kind);
     exits.grips = {node.block->GetActiveHandle()};
     if (Check::Script const* const script = check.scriptOf(index)) {
@@ -51,7 +51,7 @@ public:
         for (std::size_t index = 0; index < m_nodes.size(); ++index) {
             TreeNode const& node = m_nodes[index];
             if (node.block != nullptr && node.parent != Tree::kNone && isContainer(m_nodes[node.parent]) &&
-                !m_isReached[index])
+                !m_isReached[index] && isJudged(node.parent))
                 m_unreached.push_back(index);
         }
         if (!m_unreached.empty())
@@ -60,6 +60,17 @@ public:
 
 private:
     static bool isContainer(TreeNode const& node) { return node.block != nullptr && !node.children.empty(); }
+
+    // In a workflow the engine says where the flow begins, and nodes that were not read may lie on its way.
+    bool isJudged(std::size_t container) {
+        TreeNode const& node = m_nodes[container];
+        if (!node.isOfWorkflow)
+            return true;
+        std::size_t const first = m_first[container];
+        bool const hasStart = first != Tree::kNone && (m_nodes[first].node->GetNodeType() == eShapeType_StartState ||
+                                                       node.node->GetNodeType() == eShapeType_SuperState);
+        return hasStart && !m_check.isPartlyKnown(container) && !m_check.hasFarTransitions();
+    }
 
     static bool isSubProcess(TreeNode const& node) { return dynamic_cast<CFCSubProcessNode*>(node.block) != nullptr; }
 
@@ -78,7 +89,7 @@ private:
             m_isReached[index] = true;
             open.push_back(index);
         };
-        m_hasClearStart[container] = m_check.tree.hasClearStart(m_nodes[container]);
+        m_hasClearStart[container] = m_nodes[container].isOfWorkflow || m_check.tree.hasClearStart(m_nodes[container]);
         m_first[container] = m_check.tree.indexOf(static_cast<IFCNode*>(first));
         reach(m_first[container]);
         while (!open.empty()) {
@@ -204,7 +215,8 @@ void checkFlow(Check& check) {
 
 void checkGrips(Check& check) {
     for (std::size_t index = 0; index < check.tree.nodes().size(); ++index)
-        if (TreeNode const& node = check.tree.nodes()[index]; node.block != nullptr && node.parent != Tree::kNone)
+        if (TreeNode const& node = check.tree.nodes()[index];
+            node.block != nullptr && node.parent != Tree::kNone && !node.isOfWorkflow)
             checkDecision(check, index);
 }
 

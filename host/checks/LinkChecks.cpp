@@ -117,6 +117,13 @@ std::string lossOf(Check& check, TreeNode const& container, CFCReadFinding const
 } // namespace
 
 void checkReading(Check& check) {
+    // What else is missing in a workflow folder, the engine does without.
+    for (CFCWorkflowFinding const& finding : check.document.workflowFindings())
+        if (finding.kind == CFCWorkflowFinding::NestedFolderMissing)
+            if (std::size_t const index = check.tree.indexOf(finding.node); index != Tree::kNone)
+                check.addToContent(index, kMissingFile,
+                                   fmt::format("there is no file \"{}\", which the sub-process needs",
+                                               fileOf(finding, check.document.file())));
     for (CFCReadFinding const& finding : check.document.findings()) {
         std::size_t index = check.tree.indexOf(finding.node);
         if (index == Tree::kNone)

@@ -19,13 +19,20 @@ void checkBlock(Check& check, std::size_t index) {
     if (check.scriptState(index) == ScriptState::None)
         return;
     std::string const& id = check.tree.nodes()[index].id;
-    if (!check.scripts.isIdentifier(id))
+    std::string const name = check.document.scriptName(block);
+    if (check.document.isWorkflowFolder()) {
+        // A file beside a block does no harm by its name: only what the engine calls must have one.
+        if (*block.GetBPMBlockData()->GetModulePath() == L'\0')
+            return;
+    } else if (!check.scripts.isIdentifier(id)) {
         check.addToNode(index, kNotIdentifier, fault(check, "the id", id));
-    std::string const name = utf8(block.GetScriptName());
+    }
     // A nameless script takes the id as its name.
     if (name.empty() || name == id)
         return;
-    for (std::string const& part : partsOf(name)) {
+    // The module path of a block outside of an execution root begins with a point.
+    bool const hasPoint = check.document.isWorkflowFolder() && name.starts_with('.');
+    for (std::string const& part : partsOf(hasPoint ? std::string_view(name).substr(1) : name)) {
         if (check.scripts.isIdentifier(part))
             continue;
         std::string const message =

@@ -73,6 +73,9 @@ void checkFile(Check& check, std::size_t index, Check::Script const& script) {
     ScriptFacts const& facts = *script.facts;
     if (!facts.error.empty())
         addSyntax(check, index, script.file, facts);
+    // The engine calls functions of the module, and finds what that imports where the program cannot look.
+    if (check.document.isWorkflowFolder())
+        return;
     // The companion, which a run loads first wherever there is one.
     std::string const companionClass = partsOf(name).back() + "Block";
     if (auto const companion = check.scriptFile(name + "Block"))
@@ -95,7 +98,7 @@ void checkScripts(Check& check) {
         if (node.block == nullptr || node.parent == Tree::kNone)
             continue;
         if (check.scriptState(index) == ScriptState::Missing) {
-            std::string const name = utf8(node.block->GetScriptName());
+            std::string const name = check.document.scriptName(*node.block);
             check.addToNode(index, kMissingScript,
                             name.empty() || name == node.id
                                 ? fmt::format("there is no script {}, and a {} does nothing without one", node.id,

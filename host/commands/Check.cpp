@@ -28,6 +28,7 @@ struct Checked {
     std::string error; // why it could not be read; empty when it was
     std::size_t blocks = 0;
     std::vector<Finding> findings;
+    std::vector<std::string> notes; // of what was not looked at
 };
 
 Checked check(std::string const& file, Options const& options, Scripts& scripts) {
@@ -37,6 +38,12 @@ Checked check(std::string const& file, Options const& options, Scripts& scripts)
         Document document(file, options.scripts);
         checked.findings = findingsOf(document, scripts);
         checked.blocks = document.blocks().size();
+        for (WorkflowNote const& note : notesOf(document.workflowFindings(), file)) {
+            if (note.isFinding)
+                continue;
+            checked.notes.push_back(errorLine(note.file, note.place, note.text));
+            fmt::print(stderr, "{}\n", checked.notes.back());
+        }
     } catch (Failure const& failure) {
         fmt::print(stderr, "{}\n", failure.what());
         checked.error = failure.what();
@@ -75,6 +82,8 @@ void printJson(std::vector<Checked> const& all) {
             document["error"] = checked.error;
         else
             document.update({{"blocks", checked.blocks}, {"findings", checked.findings.size()}});
+        if (!checked.notes.empty())
+            document["notes"] = checked.notes;
         documents.push_back(std::move(document));
         for (Finding const& finding : checked.findings) {
             Json entry = {
@@ -115,7 +124,7 @@ int checkAll(Options const& options) {
 void addCheck(CLI::App& app, Result& result) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command = app.add_subcommand("check", "Tell what is wrong with documents");
-    command->add_option("FILE", options->files, "The process documents")->required();
+    command->add_option("FILE", options->files, "The process documents and workflow folders")->required();
     command
         ->add_option("--scripts", options->scripts,
                      "A folder under which scripts are found; each document's own folder always is one")
@@ -128,6 +137,9 @@ void addCheck(CLI::App& app, Result& result) {
                     "Rules: dead-link, link-loop, missing-connector-block, missing-file, duplicate-id,\n"
                     "duplicate-variable, unreachable-block, decision-grip, missing-script, script-syntax,\n"
                     "script-class, script-import, not-identifier.\n"
+                    "Workflows: start-state, unknown-target, state-transition, duplicate-node,\n"
+                    "slash-in-name, fork-names, fork-without-join, join-branches, no-task, script-event,\n"
+                    "event-type, priority, group-entry.\n"
                     "Exit code: 0 nothing found, 1 something found, 2 a file cannot be read.\n"
                     "\n"
                     "Example:\n"

@@ -35,6 +35,8 @@ void tellFindings(Document const& document) {
                 : "a connector from " + utf8(finding.first) + " to " + utf8(finding.second) + " lacks a block";
         printError(errorLine(document.file(), pathOf(*finding.node), text) + "\n");
     }
+    for (WorkflowNote const& note : notesOf(document.workflowFindings(), document.file()))
+        printError(errorLine(note.file, note.place, note.text) + "\n");
 }
 
 // The document is closed again at once: a second one must not be open beside it.
@@ -103,8 +105,8 @@ int diff(Options const& options) {
 void addDiff(CLI::App& app, Result& result) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command = app.add_subcommand("diff", "Tell what changed from one document to another");
-    command->add_option("A", options->first, "The process document as it was")->required();
-    command->add_option("B", options->second, "The process document as it is")->required();
+    command->add_option("A", options->first, "The process document or workflow folder as it was")->required();
+    command->add_option("B", options->second, "The process document or workflow folder as it is")->required();
     command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
     command->footer("A line for each difference: + for what is in B alone, - for what is in A alone, > for what was\n"
                     "moved, ~ for what has another value. Two documents that only differ in how they are written are\n"

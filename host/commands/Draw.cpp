@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace flowmere::host {
 
@@ -51,6 +52,15 @@ int draw(Options const& options) {
         if (finding.kind == CFCReadFinding::FileNotRead)
             picture.notes.push_back("the linked file " + oneLine(utf8(finding.first)) +
                                     " is missing or cannot be read, and is not drawn");
+    std::vector<std::string> lines;
+    for (std::string const& note : picture.notes)
+        lines.push_back(errorLine(options.file, "", note));
+    for (WorkflowNote const& note : notesOf(document.workflowFindings(), options.file)) {
+        std::string const line = errorLine(note.file, note.place, note.text);
+        // Without the name of the program.
+        picture.notes.push_back(line.substr(errorLine("", "", "").size()));
+        lines.push_back(line);
+    }
     saveBytes(options.out, picture.bytes);
     if (options.json) {
         printOut(jsonText({{"file", options.file},
@@ -63,8 +73,8 @@ int draw(Options const& options) {
     } else {
         printOut(fmt::format("{}: {}, {}, {:.1f} x {:.1f} inches\n", options.out, counted(picture.blocks, "block"),
                              counted(picture.connectors, "connector"), picture.width, picture.height));
-        for (std::string const& note : picture.notes)
-            printError(errorLine(options.file, "", note) + "\n");
+        for (std::string const& line : lines)
+            printError(line + "\n");
     }
     return kExitWell;
 }
@@ -74,7 +84,7 @@ int draw(Options const& options) {
 void addDraw(CLI::App& app, Result& result) {
     auto const options = std::make_shared<Options>();
     CLI::App& command = *app.add_subcommand("draw", "Draw the diagram of a document into a picture");
-    command.add_option("FILE", options->file, "The process document")->required();
+    command.add_option("FILE", options->file, "The process document, or a workflow folder")->required();
     command.add_option("-o,--out", options->out, "The picture; .svg, .png or .pdf at its end says what it becomes")
         ->type_name("OUT")
         ->required();

@@ -62,6 +62,7 @@ public:
         : m_options(options), m_document(options.file), m_tree(m_document.process()), m_work(options.out) {}
 
     int work() {
+        m_document.expectDocument("has its scripts: \"flowmere import\" makes a document of it");
         m_out = fs::absolute(m_options.out).lexically_normal();
         if (!m_out.has_filename())
             m_out = m_out.parent_path();

@@ -3,6 +3,7 @@
 #include "host/basics/Text.h"
 #include "host/document/Document.h"
 #include "host/document/Tree.h"
+#include "host/document/WorkflowFacts.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -26,6 +27,8 @@ struct Options {
 
 // A value on one line is cut behind so many characters; JSON has the whole.
 constexpr std::size_t kShownOfValue = 100;
+// Transitions are shown with the nodes that they lead to.
+constexpr std::string_view kTransitions = "transitions";
 
 // Everything that is shown of a node, but for its variables and ways.
 struct Facts {
@@ -44,7 +47,8 @@ struct Facts {
 
 class Show {
 public:
-    explicit Show(Document& document) : m_document(document), m_tree(document.process()) {
+    explicit Show(Document& document)
+        : m_document(document), m_tree(document.process()), m_unread(document.workflowFindings()) {
         m_isFirst.resize(m_tree.nodes().size());
         for (TreeNode const& node : m_tree.nodes())
             if (CFCBlockNode* const first = m_tree.firstBlock(node))
@@ -84,7 +88,8 @@ private:
             return facts;
         CFCBlockNode& block = *node.block;
         facts.isBreak = block.GetStopFlag();
-        if (block.GetExecutionStateType() != EExecutionStateType_ESNone)
+        // What the engine has done with a workflow, its folder does not say.
+        if (!node.isOfWorkflow && block.GetExecutionStateType() != EExecutionStateType_ESNone)
             facts.state = utf8(CFCEnumTranslator::EnumToString(block.GetExecutionStateType()));
         std::string const name = utf8(block.GetScriptName());
         if (block.GetScriptType() != EScriptType_PYTHON) {
@@ -95,10 +100,11 @@ private:
         ScriptState const state = m_document.scriptState(block);
         if (state == ScriptState::None)
             return facts;
+        std::string const script = m_document.scriptName(block);
         facts.scriptType = utf8(block.GetScriptTypeS());
-        facts.script = name.empty() ? node.id : name;
+        facts.script = script.empty() ? node.id : script;
         facts.isScriptMissing = state == ScriptState::Missing;
-        if (auto const file = m_document.scriptFile(name))
+        if (auto const file = m_document.scriptFile(block))
             facts.scriptFile = file->string();
         return facts;
     }
@@ -130,10 +136,57 @@ private:
         if (!facts.unreadLink.empty())
             out += ", in the file " + oneLine(facts.unreadLink) + " (not read)";
         out += "\n";
+        CFCBPMBlockData* const task = node.isOfWorkflow ? node.node->GetBPMBlockData() : nullptr;
+        if (task != nullptr)
+            addWorkflow(out, *node.node, *task, margin + "    ");
         addVariables(out, node, margin + "    ");
+        if (task != nullptr && node.parent != Tree::kNone) {
+            addTransitions(out, *node.node, *task, margin + "    ");
+            return;
+        }
         for (CFCConnector* const way : node.ways)
             out += fmt::format("{}    -> {}, from {} to {}\n", margin, oneLine(utf8(way->GetEndBlockName())),
                                gripName(way->GetStartHandle()), gripName(way->GetEndHandle()));
+    }
+
+    // What the engine is told of the node: single facts on one line, each of several on a line of its own.
+    static void addWorkflow(std::string& out, IFCNode& node, CFCBPMBlockData& task, std::string const& margin) {
+        std::string line;
+        std::string lists;
+        for (WorkflowFact const& fact : workflowFacts()) {
+            if (fact.name == kTransitions)
+                continue;
+            for (std::string const& value : fact.shown(node, task)) {
+                std::string const text = oneLine(cut(value));
+                if (fact.form == WorkflowForm::List)
+                    lists += fmt::format("{}{}: {}\n", margin, fact.name, text);
+                else
+                    line += fmt::format("{}{}{}", line.empty() ? "" : "; ", fact.name,
+                                        fact.form == WorkflowForm::Flag ? std::string() : ": " + text);
+            }
+        }
+        if (!line.empty())
+            out += margin + line + "\n";
+        out += lists;
+    }
+
+    void addTransitions(std::string& out, IFCNode& node, CFCBPMBlockData& task, std::string const& margin) const {
+        CFCTransitionList& list = *task.GetTransitionList();
+        for (__FCPOSITION* place = list.GetHeadPosition(); place != nullptr;)
+            if (CFCTransitionData* const way = list.GetNext(place))
+                out += fmt::format("{}-> {}, from {} to {}{}\n", margin, oneLine(transitionText(node, *way)),
+                                   gripName(way->GetInport()), gripName(way->GetOutport()), targetText(node, *way));
+    }
+
+    char const* targetText(IFCNode& node, CFCTransitionData& way) const {
+        if (hasTarget(node, way))
+            return "";
+        return m_unread.has(node.GetParentNode(), utf8(way.GetTransitionTo())) ? "  (not read)" : "  (no such node)";
+    }
+
+    static bool hasTarget(IFCNode& node, CFCTransitionData& way) {
+        IFCNode* const parent = node.GetParentNode();
+        return parent != nullptr && parent->FindNodeSimple(way.GetTransitionTo()) != nullptr;
     }
 
     // A table: names, types and directions below each other.
@@ -220,6 +273,41 @@ private:
                             {"toGrip", way->GetEndHandle()}});
         }
         out["connectors"] = std::move(ways);
+        if (CFCBPMBlockData* const task = node.isOfWorkflow ? node.node->GetBPMBlockData() : nullptr)
+            out["workflow"] = jsonOf(*node.node, *task);
+        return out;
+    }
+
+    // What is set, each fact under its name; transitions whole.
+    static Json jsonOf(IFCNode& node, CFCBPMBlockData& task) {
+        Json out = Json::object();
+        for (WorkflowFact const& fact : workflowFacts()) {
+            Json values = Json::array();
+            if (fact.name != kTransitions)
+                for (std::string& value : fact.shown(node, task))
+                    values.push_back(std::move(value));
+            std::string const name(fact.name);
+            if (values.empty())
+                continue;
+            if (fact.form == WorkflowForm::List)
+                out[name] = std::move(values);
+            else if (fact.form == WorkflowForm::Flag)
+                out[name] = true;
+            else
+                out[name] = values.front();
+        }
+        Json transitions = Json::array();
+        CFCTransitionList& list = *task.GetTransitionList();
+        for (__FCPOSITION* place = list.GetHeadPosition(); place != nullptr;)
+            if (CFCTransitionData* const way = list.GetNext(place))
+                transitions.push_back({{"to", utf8(way->GetTransitionTo())},
+                                       {"name", utf8(way->GetTransitionName())},
+                                       {"label", utf8(way->GetTransitionCaption())},
+                                       {"grip", way->GetInport()},
+                                       {"toGrip", way->GetOutport()},
+                                       {"found", hasTarget(node, *way)}});
+        if (!transitions.empty())
+            out[std::string(kTransitions)] = std::move(transitions);
         return out;
     }
 
@@ -243,6 +331,7 @@ private:
 
     Document& m_document;
     Tree m_tree;
+    UnreadNodes m_unread;
     std::vector<bool> m_isFirst;
 };
 
@@ -256,6 +345,8 @@ int show(Options const& options) {
             fmt::print(stderr, "{}\n",
                        errorLine(options.file, pathOf(*finding.node),
                                  "the linked file " + utf8(finding.first) + " is missing or cannot be read"));
+    for (WorkflowNote const& note : notesOf(document.workflowFindings(), options.file))
+        fmt::print(stderr, "{}\n", errorLine(note.file, note.place, note.text));
     return kExitWell;
 }
 
@@ -264,7 +355,7 @@ int show(Options const& options) {
 void addShow(CLI::App& app, Result& result) {
     auto const options = std::make_shared<Options>();
     CLI::App& command = *app.add_subcommand("show", "Show the tree of a document, with its variables and their values");
-    command.add_option("FILE", options->file, "The process document")->required();
+    command.add_option("FILE", options->file, "The process document, or a workflow folder")->required();
     command
         .add_option("--scripts", options->scripts,
                     "A folder in which scripts are found, besides that of the document; may be given several times")

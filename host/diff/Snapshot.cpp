@@ -3,6 +3,7 @@
 #include "host/basics/Text.h"
 #include "host/document/HostFactory.h"
 #include "host/document/Tree.h"
+#include "host/document/WorkflowFacts.h"
 
 #include <fmt/format.h>
 
@@ -51,8 +52,9 @@ std::string inches(std::int64_t hundredths) {
 
 // A node with its other sides, which are null where it has none.
 struct NodeView {
-    explicit NodeView(IFCNode& seen)
-        : node(seen), block(seen.GetFCBlockData()), process(dynamic_cast<CFCProcessNode*>(&seen)) {
+    NodeView(IFCNode& seen, bool isWorkflow)
+        : node(seen), block(seen.GetFCBlockData()), process(dynamic_cast<CFCProcessNode*>(&seen)),
+          isOfWorkflow(isWorkflow) {
         // Others hold the record, and no document does.
         if (seen.GetNodeType() >= kFirstOfWorkflow) {
             task = seen.GetBPMBlockData();
@@ -65,6 +67,7 @@ struct NodeView {
     CFCProcessNode* process;
     CFCBPMBlockData* task = nullptr;
     CFCBPMTaskNode* taskNode = nullptr;
+    bool isOfWorkflow;
 };
 
 // The state of these is that of what is in them.
@@ -79,8 +82,11 @@ std::string stateOf(NodeView const& view) {
     return state == EExecutionStateType_ESNone ? std::string() : text(CFCEnumTranslator::EnumToString(state));
 }
 
-// A nameless script takes the identifier of its block for its name, when it is first looked for.
+// A nameless script takes the identifier of its block for its name, when it is first looked for. In a workflow folder a
+// block's script has its place beside it, and no name of its own.
 std::string scriptOf(NodeView const& view) {
+    if (view.isOfWorkflow)
+        return {};
     std::string name = withSlashes(view.block->GetScriptName());
     std::replace(name.begin(), name.end(), '/', '.');
     return name == text(view.node.GetNodeId()) ? std::string() : name;
@@ -319,9 +325,31 @@ std::string mark(std::size_t occurrence) {
     return occurrence < 2 ? std::string() : "#" + std::to_string(occurrence);
 }
 
+// The facts of a workflow come behind the rows of any node.
+Attribute factOf(std::size_t place, IFCNode& node, CFCBPMBlockData& task) {
+    Attribute attribute{static_cast<std::uint8_t>(std::size(kNodeRows) + place), {}};
+    for (std::string const& value : workflowFacts()[place].values(node, task))
+        attribute.value += (attribute.value.empty() ? std::string() : std::string(1, kListMark)) + value;
+    return attribute;
+}
+
+Form formOf(WorkflowForm form) {
+    switch (form) {
+    case WorkflowForm::Number:
+        return Form::Number;
+    case WorkflowForm::Flag:
+        return Form::Flag;
+    case WorkflowForm::List:
+        return Form::List;
+    case WorkflowForm::Text:
+        break;
+    }
+    return Form::Text;
+}
+
 class Snapshooter {
 public:
-    explicit Snapshooter(IFCNode& root) {
+    explicit Snapshooter(IFCNode& root) : m_isWorkflow(root.GetNodeType() == eShapeType_WorkflowProcess) {
         struct Open {
             IFCNode* node;
             std::size_t parent;
@@ -399,10 +427,14 @@ private:
             above.children.push_back(index);
             facts.path = above.path.empty() ? facts.name : above.path + "." + facts.name;
         }
-        NodeView const view(node);
+        NodeView const view(node, m_isWorkflow);
         for (std::size_t row = 0; row < std::size(kNodeRows); ++row)
             if (has(kNodeRows[row], view, facts.isProcess))
                 addValue(facts.attributes, row, kNodeRows[row].value(view));
+        if (CFCBPMBlockData* const task = m_isWorkflow ? node.GetBPMBlockData() : nullptr)
+            for (std::size_t fact = 0; fact < workflowFacts().size(); ++fact)
+                if (Attribute attribute = factOf(fact, node, *task); !attribute.value.empty())
+                    facts.attributes.push_back(std::move(attribute));
         addVariables(facts, node);
         addConnectors(facts, node);
         m_snapshot.nodes.push_back(std::move(facts));
@@ -463,6 +495,7 @@ private:
         return route;
     }
 
+    bool m_isWorkflow;
     Snapshot m_snapshot;
     std::unordered_map<IFCNode*, Key> m_keys; // of nodes that are still to be added
 };
@@ -471,9 +504,13 @@ private:
 
 std::span<AttributeInfo const> nodeAttributes() {
     static auto const infos = [] {
-        auto all = infosOf(kNodeRows);
-        for (std::size_t row = 0; row < all.size(); ++row)
-            all[row].isCommon = kNodeRows[row].of == Of::All;
+        std::vector<AttributeInfo> all;
+        for (NodeRow const& row : kNodeRows) {
+            all.push_back(row.info);
+            all.back().isCommon = row.of == Of::All;
+        }
+        for (WorkflowFact const& fact : workflowFacts())
+            all.push_back({fact.name, formOf(fact.form)});
         return all;
     }();
     return infos;

@@ -153,13 +153,22 @@ std::string pathOf(IFCNode& node) {
 Document::Document(std::string const& file, std::vector<std::string> const& scriptRoots) : m_file(file) {
     if (file.empty())
         throw Failure("", "", "the name of the document is empty");
-    if (std::string const fault = inputFault(file); !fault.empty())
+    std::optional<fs::path> const definition = workflowDefinition(file);
+    m_isWorkflowFolder = definition.has_value();
+    std::error_code error;
+    if (!definition && fs::is_directory(file, error))
+        throw Failure(file, "", noWorkflowFault());
+    // Faults of a workflow's files are told when they are read.
+    if (std::string const fault = inputFault(file); !definition && !fault.empty())
         throw Failure(file, "", fault);
     m_startFolder = fs::current_path();
-    m_path = fs::absolute(file).lexically_normal();
+    m_path = definition ? *definition : fs::absolute(file).lexically_normal();
     m_state = FileState::of(m_path);
     setRoots(scriptRoots);
-    read();
+    if (m_isWorkflowFolder)
+        readWorkflow();
+    else
+        read();
     loadFurtherScripts();
 }
 
@@ -179,8 +188,15 @@ void Document::setRoots(std::vector<std::string> const& scriptRoots) {
             throw Failure(root, "", "cannot be used: its path holds a backslash");
         m_scriptRoots.push_back(path);
     }
-    fs::path const own = m_path.parent_path();
-    m_scriptRoots.push_back(own);
+    fs::path own = m_path.parent_path();
+    // Below the execution root the names of scripts begin there.
+    if (fs::path const root = executionRoot(own); m_isWorkflowFolder && root != own) {
+        m_scriptRoots.push_back(root);
+        m_scriptRoots.push_back(own);
+        own = root;
+    } else {
+        m_scriptRoots.push_back(own);
+    }
 
     TuString const folder = libraryPath(own);
     CFCEnvironment::SetBasePath(folder);
@@ -206,12 +222,27 @@ void Document::read() {
     m_process = process;
 }
 
+void Document::readWorkflow() {
+    WorkflowFolder folder = readWorkflowFolder(m_file);
+    auto* const process = dynamic_cast<CFCProcessNode*>(folder.process.get());
+    if (process == nullptr)
+        throw Failure(m_file, "", "is no workflow");
+    m_workflowFindings = std::move(folder.findings);
+    static_cast<void>(folder.process.release());
+    m_process = process;
+}
+
+void Document::expectDocument(std::string_view cause) const {
+    if (m_isWorkflowFolder)
+        throw Failure(m_file, "", fmt::format("is a workflow folder, and {}", cause));
+}
+
 // The library looks below the first two script roots and the document's folder alone.
 void Document::loadFurtherScripts() {
     for (CFCBlockNode* const block : blocks()) {
         if (block->HasScript() || block->GetScriptType() != EScriptType_PYTHON)
             continue;
-        if (auto const file = scriptFile(utf8(block->GetScriptName()))) {
+        if (auto const file = scriptFile(*block)) {
             TuString const before(block->GetFullScriptFileName());
             block->SetFullScriptFileName(libraryPath(*file));
             block->LoadGuiScript();
@@ -285,12 +316,36 @@ std::optional<fs::path> Document::scriptFile(std::string const& name) const {
     return std::nullopt;
 }
 
+std::string Document::scriptName(CFCBlockNode& block) const {
+    if (CFCBPMBlockData* const task = m_isWorkflowFolder ? block.GetBPMBlockData() : nullptr)
+        if (*task->GetModulePath() != L'\0')
+            return utf8(task->GetModulePath());
+    return utf8(block.GetScriptName());
+}
+
+std::optional<fs::path> Document::scriptFile(CFCBlockNode& block) const {
+    auto file = scriptFile(scriptName(block));
+    if (file || !m_isWorkflowFolder)
+        return file;
+    // In a folder that was moved, modules are not where their names say, and the files still stand with their blocks.
+    std::string path = utf8(block.GetFullScriptFileName());
+    std::replace(path.begin(), path.end(), '\\', '/');
+    std::error_code error;
+    if (!path.empty() && fs::is_regular_file(path, error))
+        return path;
+    return std::nullopt;
+}
+
 ScriptState Document::scriptState(CFCBlockNode& block) const {
     if (block.GetScriptType() != EScriptType_PYTHON)
         return ScriptState::None;
-    std::string const name = utf8(block.GetScriptName());
-    if (scriptFile(name))
+    if (scriptFile(block))
         return ScriptState::Found;
+    if (m_isWorkflowFolder) {
+        CFCBPMBlockData* const task = block.GetBPMBlockData();
+        return task != nullptr && *task->GetModulePath() != L'\0' ? ScriptState::Missing : ScriptState::None;
+    }
+    std::string const name = utf8(block.GetScriptName());
     // A nameless script takes the name of its block when it is read.
     bool const isNamed = !name.empty() && name != utf8(block.GetNodeId());
     return isNamed || isTask(block.GetNodeType()) ? ScriptState::Missing : ScriptState::None;
@@ -314,6 +369,7 @@ void Document::checkCanSave(std::string const& out) {
 }
 
 void Document::save(std::string const& out) {
+    expectDocument("is not saved: \"flowmere import\" makes a document of it");
     SafeFile file(out, m_startFolder);
     auto const fail = [&](std::string const& cause) {
         throw Failure(out, "", "cannot be written: " + cause);

@@ -2,6 +2,8 @@
 
 // An opened process document: what every command begins with.
 
+#include "host/document/WorkflowFolder.h"
+
 #include "flowmere/Flowmere.h"
 
 #include <cstdint>
@@ -9,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace flowmere::host {
@@ -32,19 +35,21 @@ struct FileState {
     std::int64_t nanoseconds = 0;
 };
 
-// Owns the tree of one document and what the library has to know to find its scripts. The roots of the environment are
-// one for the process: one document is open at a time.
+// Owns the tree of one document, or of a workflow folder, and what the library has to know to find its scripts. The
+// roots of the environment are one for the process: one document is open at a time.
 class Document {
 public:
     // Reads the file, links into other files included, and looks up the scripts. Scripts are found below the given
-    // folders, in that order, and below the document's own folder. Throws Failure, exit code 2, for a file that cannot
-    // be read and for a script root that is no folder.
+    // folders, in that order, and below the document's own folder; those of a workflow below its execution root, too.
+    // The path of a workflow folder, or of the definition in it, opens that. Throws Failure, exit code 2, for a file
+    // that cannot be read and for a script root that is no folder.
     explicit Document(std::string const& file, std::vector<std::string> const& scriptRoots = {});
     ~Document();
     Document(Document const&) = delete;
     Document& operator=(Document const&) = delete;
 
-    // The file as the user named it, and its absolute path.
+    // The file or the workflow folder as the user named it, and the absolute path of the file, of a folder the path of
+    // its definition.
     std::string const& file() const { return m_file; }
     std::filesystem::path const& path() const { return m_path; }
     // The root of the tree, never null.
@@ -52,6 +57,12 @@ public:
     // What the reader passed over: connectors whose block is missing, linked files that are missing. Their nodes point
     // into the tree.
     std::vector<CFCReadFinding> const& findings() const { return m_findings; }
+    // What is in it belongs to an engine, which runs it: it is looked at, and neither run here nor saved.
+    bool isWorkflowFolder() const { return m_isWorkflowFolder; }
+    // Throws Failure, exit code 2, for a workflow folder: "is a workflow folder, and CAUSE".
+    void expectDocument(std::string_view cause) const;
+    // The same for a workflow folder, whose findings are of another kind.
+    std::vector<CFCWorkflowFinding> const& workflowFindings() const { return m_workflowFindings; }
     // The folders in which scripts are found, absolute, in order of search.
     std::vector<std::filesystem::path> const& scriptRoots() const { return m_scriptRoots; }
 
@@ -70,6 +81,11 @@ public:
 
     // The file that Python would import under the dotted name; none when there is no such file.
     std::optional<std::filesystem::path> scriptFile(std::string const& name) const;
+    // Name and file of a block's script. In a workflow folder the name is the module that the engine calls, or else
+    // that of the file which belongs to the block.
+    std::string scriptName(CFCBlockNode& block) const;
+    std::optional<std::filesystem::path> scriptFile(CFCBlockNode& block) const;
+    // Found, too, for the script of a workflow block that the engine does not call.
     ScriptState scriptState(CFCBlockNode& block) const;
 
     // Throws what save would throw for a file that cannot come to stand there, as far as that shows beforehand.
@@ -84,6 +100,7 @@ public:
 private:
     void setRoots(std::vector<std::string> const& scriptRoots);
     void read();
+    void readWorkflow();
     void loadFurtherScripts();
 
     std::string m_file;
@@ -93,6 +110,8 @@ private:
     std::vector<std::filesystem::path> m_scriptRoots;
     CFCProcessNode* m_process = nullptr;
     std::vector<CFCReadFinding> m_findings;
+    std::vector<CFCWorkflowFinding> m_workflowFindings;
+    bool m_isWorkflowFolder = false;
 };
 
 // Path of the node from the root, UTF-8; the empty text for a root without an identifier.

@@ -103,6 +103,7 @@ void Tree::addNodes(IFCNode& root) {
         entry.block = dynamic_cast<CFCBlockNode*>(node);
         entry.parent = parent;
         entry.id = utf8(node->GetNodeId());
+        entry.isOfWorkflow = root.GetNodeType() == eShapeType_WorkflowProcess;
         if (parent != kNone) {
             TreeNode& above = m_nodes[parent];
             above.children.push_back(index);
@@ -242,9 +243,22 @@ bool Tree::hasClearStart(TreeNode const& container) const {
     return clearStart(container) != nullptr;
 }
 
+CFCBlockNode* Tree::engineStart(TreeNode const& container) const {
+    bool const isGroup = container.node->GetNodeType() == eShapeType_SuperState;
+    for (std::size_t const child : container.children) {
+        TreeNode const& node = m_nodes[child];
+        if (node.block != nullptr && (isGroup || node.node->GetNodeType() == eShapeType_StartState))
+            return node.block;
+    }
+    return nullptr;
+}
+
 CFCBlockNode* Tree::firstBlock(TreeNode const& container) const {
     if (container.block == nullptr)
         return nullptr;
+    if (container.isOfWorkflow)
+        if (CFCBlockNode* const first = engineStart(container))
+            return first;
     if (CFCBlockNode* const first = container.block->GetFirstConnectedBlock())
         return first;
     // Workflow containers leave the search to their engine, which goes by the same rule.
@@ -280,6 +294,10 @@ bool isScriptedKind(int code) {
 
 bool isWorkflowKind(int code) {
     return code >= eShapeType_Task && code <= eShapeType_ApplicationGroup;
+}
+
+bool isWorkflowSubProcess(int code) {
+    return code >= eShapeType_SubProcessLoop && code <= eShapeType_BasicSubProcess;
 }
 
 bool isDecisionKind(int code) {

@@ -39,6 +39,7 @@ struct TreeNode {
     CFCBlockNode* block = nullptr; // the same node; null for a folder and other nodes that are no blocks
     std::size_t parent = 0;        // index; kNone for the root
     int level = 0;
+    bool isOfWorkflow = false; // the root is a workflow process, which an engine runs
     std::string id;
     std::string path; // empty for the root
     std::size_t firstVariable = 0;
@@ -69,11 +70,13 @@ public:
     std::string valueOf(TreeVariable const& variable) const;
     // Whether a child has a way out and no way in, which makes it the first; without one the newest child is.
     bool hasClearStart(TreeNode const& container) const;
-    // The block in which the inner flow of a container starts; null for an empty one and for what is no container.
+    // The block in which the inner flow of a container starts; null for an empty one and for what is no container. In a
+    // workflow that is the start state, and the first block of a super-state.
     CFCBlockNode* firstBlock(TreeNode const& container) const;
 
 private:
     CFCBlockNode* clearStart(TreeNode const& container) const;
+    CFCBlockNode* engineStart(TreeNode const& container) const;
     void addNodes(IFCNode& root);
     void addVariables(std::size_t index);
     void addConnectors(std::size_t index);
@@ -93,6 +96,8 @@ std::string kindName(int code);
 bool isScriptedKind(int code);
 // Kinds of the workflow engine, which follows all connectors and knows no grips.
 bool isWorkflowKind(int code);
+// Sub-processes of the workflow engine, each with a folder of its own.
+bool isWorkflowSubProcess(int code);
 // Kinds that choose one of their ways.
 bool isDecisionKind(int code);
 

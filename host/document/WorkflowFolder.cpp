@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -73,21 +74,42 @@ void readLayout(CFCWorkflowFinding const& noVariables, IFCNode& level, std::vect
         finding.line = reader.GetErrorLine();
         finding.column = reader.GetErrorColumn();
     } else {
+        for (CFCLayoutFinding const& lost : reader.GetLayoutFindings()) {
+            bool const isNode = lost.kind == CFCLayoutFinding::NodeUnknown;
+            finding.kind = isNode ? CFCWorkflowFinding::LayoutNodeUnknown : CFCWorkflowFinding::LayoutElementPassedOver;
+            finding.node = lost.node;
+            finding.place = lost.node->GetNodePath();
+            finding.element = lost.element;
+            finding.name = isNode ? lost.name : TuString();
+            findings.push_back(finding);
+        }
         return;
     }
     findings.push_back(finding);
 }
 
+// The script of a block in the folder that is named after it.
+fs::path scriptOf(IFCNode& node, fs::path const& folder) {
+    std::string const id = utf8(node.GetNodeId());
+    std::string above = utf8(node.GetNodePath());
+    above.resize(above.size() - std::min(above.size(), id.size()));
+    std::replace(above.begin(), above.end(), '.', '/');
+    return (folder / above / id / "scripts" / (id + ".py")).lexically_normal();
+}
+
 // The reader looks for scripts below the folders of the environment alone, where a path that begins at the top of the
 // system has no place.
-void placeScripts(IFCNode& root, fs::path const& scriptRoot) {
+void placeScripts(IFCNode& root, WorkflowFolder const& folder) {
     for (IFCNode* const node : nodesBelow(root)) {
         CFCBlockData* const block = node->GetFCBlockData();
         CFCBPMBlockData* const task = node->GetBPMBlockData();
         if (block == nullptr || task == nullptr || *task->GetJythonScriptFileName() == L'\0')
             continue;
-        fs::path const file = nativePath(task->GetJythonScriptFileName());
-        block->ReSetFullScriptFileName(libraryPath(file.is_absolute() ? file : scriptRoot / file));
+        std::error_code error;
+        fs::path file = folder.scriptRoot / nativePath(task->GetJythonScriptFileName());
+        if (!fs::is_regular_file(file, error))
+            file = scriptOf(*node, folder.definition.parent_path());
+        block->ReSetFullScriptFileName(libraryPath(file));
     }
 }
 
@@ -132,20 +154,24 @@ std::optional<fs::path> workflowDefinition(fs::path const& path) {
     return fs::absolute(definition).lexically_normal();
 }
 
+std::string noWorkflowFault() {
+    return fmt::format("is a folder without a workflow: there is no {} in it", kDefinition);
+}
+
 fs::path executionRoot(fs::path const& folder) {
     std::string const text = folder.string();
     std::size_t const at = text.find(kExecutionFolder);
-    return at == std::string::npos ? folder : fs::path(text.substr(0, at + kExecutionFolder.size()));
+    if (at == std::string::npos)
+        return folder;
+    std::size_t const end = at + kExecutionFolder.size();
+    return end < text.size() && text[end] != '/' ? folder : fs::path(text.substr(0, end));
 }
 
 WorkflowFolder readWorkflowFolder(std::string const& name) {
     std::optional<fs::path> const definition = workflowDefinition(name);
     if (!definition) {
         std::error_code error;
-        throw Failure(name, "",
-                      fs::is_directory(name, error)
-                          ? fmt::format("is a folder without a workflow: there is no {} in it", kDefinition)
-                          : "is no workflow folder");
+        throw Failure(name, "", fs::is_directory(name, error) ? noWorkflowFault() : "is no workflow folder");
     }
     fs::path const file = fs::is_directory(name) ? fs::path(name) / kDefinition : fs::path(name);
     if (std::string const fault = inputFault(*definition); !fault.empty())
@@ -182,7 +208,7 @@ WorkflowFolder readWorkflowFolder(std::string const& name) {
             throw Failure(fileOf(finding, name), placeOf(finding), describe(finding));
     if (!isWhole && !lacksVariables)
         throw Failure(file.string(), "", "it cannot be read");
-    placeScripts(*root, folder.scriptRoot);
+    placeScripts(*root, folder);
     return folder;
 }
 
@@ -198,6 +224,77 @@ std::string fileOf(CFCWorkflowFinding const& finding, std::string const& name) {
     std::error_code error;
     fs::path const shown = fs::is_directory(name, error) ? fs::path(name) : fs::path(name).parent_path();
     return (shown / relative).string();
+}
+
+namespace {
+
+// What the writer of such folders adds and its reader knows without it: the path of a form, which follows from its
+// block, and the label of the process.
+bool isSaidTwice(CFCWorkflowFinding const& finding) {
+    return finding.kind == CFCWorkflowFinding::AttributePassedOver &&
+           ((finding.element == L"task" && finding.name == L"form") ||
+            (finding.element == L"process-definition" && finding.name == L"label" && finding.node != nullptr &&
+             finding.value == finding.node->GetNodeCaption()));
+}
+
+} // namespace
+
+std::vector<WorkflowNote> notesOf(std::vector<CFCWorkflowFinding> const& findings, std::string const& name) {
+    std::vector<WorkflowNote> notes;
+    std::size_t passedOver = 0;
+    UnreadNodes const unread(findings);
+    for (CFCWorkflowFinding const& finding : findings) {
+        bool const isKnown = finding.kind == CFCWorkflowFinding::TransitionWithoutTarget && finding.node != nullptr &&
+                             unread.has(finding.node->GetParentNode(), utf8(finding.value));
+        if (isKnown || isSaidTwice(finding))
+            continue;
+        switch (finding.kind) {
+        case CFCWorkflowFinding::AttributePassedOver:
+        case CFCWorkflowFinding::TextPassedOver:
+        case CFCWorkflowFinding::ValueNotRead:
+        case CFCWorkflowFinding::TooManyPoints:
+        case CFCWorkflowFinding::RouteCut:
+        case CFCWorkflowFinding::LayoutNodeUnknown:
+        case CFCWorkflowFinding::LayoutElementPassedOver:
+            ++passedOver;
+            continue;
+        case CFCWorkflowFinding::ElementPassedOver:
+            if (!isUnreadNode(finding)) {
+                ++passedOver;
+                continue;
+            }
+            break;
+        default:
+            break;
+        }
+        bool const isTold = finding.kind == CFCWorkflowFinding::TransitionWithoutTarget ||
+                            finding.kind == CFCWorkflowFinding::NestedFolderMissing;
+        notes.push_back({fileOf(finding, name), utf8(finding.place), describe(finding), isTold});
+    }
+    if (passedOver > 0)
+        notes.push_back(
+            {name, "",
+             counted(passedOver, "thing") + " besides that are passed over: \"flowmere import\" tells of each"});
+    return notes;
+}
+
+bool isUnreadNode(CFCWorkflowFinding const& finding) {
+    constexpr std::wstring_view kNodes[] = {L"node",  L"state",          L"process-state",    L"mail-node",
+                                            L"merge", L"milestone-node", L"interleave-start", L"interleave-end"};
+    return finding.kind == CFCWorkflowFinding::ElementPassedOver &&
+           std::find(std::begin(kNodes), std::end(kNodes),
+                     std::wstring_view(static_cast<wchar_t const*>(finding.element))) != std::end(kNodes);
+}
+
+UnreadNodes::UnreadNodes(std::vector<CFCWorkflowFinding> const& findings) {
+    for (CFCWorkflowFinding const& finding : findings)
+        if (isUnreadNode(finding))
+            m_names[finding.node].insert(utf8(finding.name));
+}
+
+bool UnreadNodes::has(IFCNode* container, std::string const& name) const {
+    auto const names = m_names.find(container);
+    return names != m_names.end() && names->second.count(name) > 0;
 }
 
 bool isMissingFile(CFCWorkflowFinding const& finding) {
@@ -230,6 +327,8 @@ std::string describe(CFCWorkflowFinding const& finding) {
         return fmt::format("the kind \"{}\" is not known: it is read as a block", value);
     case CFCWorkflowFinding::TooManyPoints:
         return fmt::format("points at the end of a route are passed over: {}", value);
+    case CFCWorkflowFinding::RouteCut:
+        return fmt::format("a route ends at a point at X 0, and points from there on are passed over: {}", value);
     case CFCWorkflowFinding::TransitionWithoutTarget:
         return fmt::format("a transition goes to \"{}\", and there is no such node beside it", value);
     case CFCWorkflowFinding::TransitionRepeated:
@@ -255,6 +354,10 @@ std::string describe(CFCWorkflowFinding const& finding) {
                "variables";
     case CFCWorkflowFinding::ConnectorNotMade:
         return fmt::format("no connector can be made to \"{}\"", value);
+    case CFCWorkflowFinding::LayoutNodeUnknown:
+        return fmt::format("the layout has a node \"{}\" that is not there: it is passed over", name);
+    case CFCWorkflowFinding::LayoutElementPassedOver:
+        return fmt::format("the element <{}> of the layout is passed over, with all that it holds", element);
     }
     return {};
 }

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <set>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace flowmere::host::drawing {
@@ -125,7 +127,8 @@ Rect placeOf(CFCBlockNode& block) {
                     {static_cast<double>(rect.right), static_cast<double>(rect.bottom)});
 }
 
-void takeLook(Block& block, CFCBlockNode& node) {
+// Files of workflows write the look of every block, whether anybody has given it one or not.
+void takeLook(Block& block, CFCBlockNode& node, bool isOfWorkflow) {
     Look const look = lookOf(node.GetNodeType());
     block.shape = look.shape;
     block.sign = look.sign;
@@ -136,12 +139,16 @@ void takeLook(Block& block, CFCBlockNode& node) {
     block.fill = colorOf(node.GetColorFill());
     block.isFilled = node.GetFillColor();
     block.hasBorder = node.GetDrawBorder();
-    bool const isUntouched = !node.GetBorderSet() && !node.GetDrawBorder() && node.GetColorFill() == kUntouchedFill &&
-                             node.GetColorLine() == 0;
+    bool const isUntouched = (isOfWorkflow || !node.GetBorderSet()) && !node.GetDrawBorder() &&
+                             node.GetColorFill() == kUntouchedFill && node.GetColorLine() == 0;
     if (isUntouched) {
         block.fill = look.fill;
         block.border = blended(look.fill, kBlack, 0.55);
         block.hasBorder = true;
+        // Those of other makers write no colour of the text, either.
+        bool const isDark = contrastOf(kWhite, look.fill) > contrastOf(kBlack, look.fill);
+        if (isOfWorkflow && isDark && block.font.color == kBlack)
+            block.font.color = kWhite;
     }
 }
 
@@ -161,6 +168,26 @@ std::vector<Point> routeOf(CFCConnector& connector) {
 std::string captionOf(CFCConnector& connector) {
     std::string text = utf8(connector.GetCaption());
     return text.empty() ? utf8(connector.GetNodeCaption()) : text;
+}
+
+// What the transitions of a workflow node are called by their targets, where somebody has given them a name: the engine
+// chooses by it. The name that is made of the two blocks says nothing.
+std::unordered_map<std::string, std::string> namedWays(IFCNode& node) {
+    std::unordered_map<std::string, std::string> names;
+    CFCBPMBlockData* const task = node.GetBPMBlockData();
+    if (task == nullptr)
+        return names;
+    CFCTransitionList& list = *task->GetTransitionList();
+    for (__FCPOSITION* place = list.GetHeadPosition(); place != nullptr;) {
+        CFCTransitionData* const transition = list.GetNext(place);
+        std::string const name = transition == nullptr ? std::string() : utf8(transition->GetTransitionName());
+        if (name.empty())
+            continue;
+        std::string to = utf8(transition->GetTransitionTo());
+        if (name != utf8(node.GetNodeId()) + "." + to)
+            names.emplace(std::move(to), name);
+    }
+    return names;
 }
 
 // The state of each block, the states of what is inside told on: a failure deep down shows on the closed container.
@@ -291,7 +318,7 @@ Diagram diagramOf(Document const& document, int depth) {
         block.kind = kindName(node.node->GetNodeType());
         block.description = utf8(node.block->GetDescription());
         block.place = placeOf(*node.block);
-        takeLook(block, *node.block);
+        takeLook(block, *node.block, node.isOfWorkflow);
         block.state = states[index];
         block.isBreak = node.block->GetStopFlag();
         block.parent = parent;
@@ -300,10 +327,19 @@ Diagram diagramOf(Document const& document, int depth) {
         diagram.blocks[parent].children.push_back(numbers[index]);
         diagram.blocks.push_back(std::move(block));
     }
+    // Folders of other makers know no grips: those that the reader puts in their place say nothing.
+    std::vector<CFCWorkflowFinding> const& findings = document.workflowFindings();
+    bool const hasGrips = std::none_of(findings.begin(), findings.end(), [&](CFCWorkflowFinding const& finding) {
+        return finding.kind == CFCWorkflowFinding::VariablesMissing && finding.node == nodes.front().node;
+    });
+    std::set<std::pair<std::size_t, std::size_t>> ways;
     for (std::size_t index = 1; index < nodes.size(); ++index) {
         std::size_t const start = numbers[index];
         if (start == kNone)
             continue;
+        std::unordered_map<std::string, std::string> names;
+        if (nodes[index].isOfWorkflow)
+            names = namedWays(*nodes[index].node);
         for (CFCConnector* const way : nodes[index].ways) {
             std::size_t const place = tree.indexOf(static_cast<IFCNode*>(way->GetEndObject()));
             std::size_t const end = place == kNone ? kNone : numbers[place];
@@ -313,12 +349,30 @@ Diagram diagramOf(Document const& document, int depth) {
             connector.container = diagram.blocks[start].parent;
             connector.start = start;
             connector.end = end;
-            connector.startGrip = way->GetStartHandle();
-            connector.endGrip = way->GetEndHandle();
+            if (!hasGrips) {
+                ways.emplace(start, end);
+            } else {
+                connector.startGrip = way->GetStartHandle();
+                connector.endGrip = way->GetEndHandle();
+            }
             connector.caption = captionOf(*way);
+            if (auto const name = names.find(nodes[place].id); connector.caption.empty() && name != names.end())
+                connector.caption = name->second;
             connector.route = routeOf(*way);
             diagram.connectors.push_back(std::move(connector));
         }
+    }
+    // Of two that go there and back, the shortest way is that of the first alone.
+    for (Connector& connector : diagram.connectors) {
+        if (connector.start <= connector.end || ways.count({connector.end, connector.start}) == 0)
+            continue;
+        Rect const& one = diagram.blocks[connector.start].place;
+        Rect const& two = diagram.blocks[connector.end].place;
+        bool const isBeside = one.left > two.right || two.left > one.right;
+        bool const isBehind = isBeside ? one.left > two.left : one.top > two.top;
+        int const near = isBeside ? EPortHandle_BottomLeft : EPortHandle_TopRight;
+        connector.startGrip = isBehind ? near : EPortHandle_BottomRight;
+        connector.endGrip = isBehind ? EPortHandle_BottomRight : near;
     }
     return diagram;
 }

@@ -152,6 +152,10 @@ std::vector<Point> fitted(std::vector<Point> line, Point const& start, Point con
                           bool isEndHeld) {
     if (line.size() < 2)
         return line;
+    // A straight line between two outlines that give way alike stays straight.
+    if (line.size() == 2 && (isSame(line[0].x, line[1].x) ? isSame(start.x, end.x)
+                                                          : isSame(line[0].y, line[1].y) && isSame(start.y, end.y)))
+        return {start, end};
     beginAt(line, start);
     std::reverse(line.begin(), line.end());
     beginAt(line, end);

@@ -80,6 +80,7 @@ RunSession::RunSession(RunOptions const& options)
 }
 
 int RunSession::work() {
+    m_document.expectDocument("its engine runs it: \"flowmere import\" makes a document of it");
     if (m_options.journal || m_options.resume)
         m_names.emplace(m_document);
     readOptions();

@@ -131,6 +131,7 @@ bool isFolder(std::string const& path) {
 std::unique_ptr<Document> Workspace::read(std::string const& file) const {
     KeptRoots roots;
     auto document = std::make_unique<Document>(file, m_setting.scriptRoots);
+    document->expectDocument("is not opened here: \"flowmere import\" makes a document of it");
     return document;
 }
 
@@ -140,6 +141,7 @@ void Workspace::take(std::string const& file, bool mayLose) {
     KeptRoots roots;
     FileState const state = FileState::of(file);
     auto document = std::make_unique<Document>(file, m_setting.scriptRoots);
+    document->expectDocument("is not opened here: \"flowmere import\" makes a document of it");
     if (!mayLose)
         leaveProject();
     roots.release();

@@ -119,7 +119,7 @@ TEST_F(Check, AFileThatCannotBeReadDoesNotHideTheOthers) {
                        "5 documents: 1 finding, 4 unread\n");
     EXPECT_EQ(run.err, "flowmere: nowhere.xml: there is no such file\n"
                        "flowmere: cut.xml: line 1, column 16: no well-formed XML: unexpected end of input\n"
-                       "flowmere: .: is a folder\n"
+                       "flowmere: .: is a folder without a workflow: there is no processdefinition.xml in it\n"
                        "flowmere: empty.xml: is empty\n");
 }
 

@@ -709,7 +709,8 @@ TEST_F(Diff, AFileThatCannotBeReadIsOneLineAndExitCodeTwo) {
     };
     for (Case const& one :
          {Case{"nowhere.xml", "flowmere: nowhere.xml: there is no such file\n"},
-          Case{".", "flowmere: .: is a folder\n"}, Case{"empty.xml", "flowmere: empty.xml: is empty\n"},
+          Case{".", "flowmere: .: is a folder without a workflow: there is no processdefinition.xml in it\n"},
+          Case{"empty.xml", "flowmere: empty.xml: is empty\n"},
           Case{"/dev/null", "flowmere: /dev/null: is no regular file\n"},
           Case{"types.xml", "flowmere: types.xml: is no process document: it holds a \"types\" and no "
                             "blocks\n"}}) {

@@ -503,6 +503,9 @@ TEST(DrawLines, TakeSmallStepsOutInRightAngles) {
     // A piece in between moves, and no end does.
     EXPECT_EQ((Points{{0, 0}, {0, 40}, {52, 40}, {52, 90}}),
               fitted({{0, 0}, {0, 40}, {50, 40}, {50, 60}, {52, 60}, {52, 90}}, {0, 0}, {52, 90}, false, false));
+    // Between two rounded corners on one height, or above each other, nothing steps.
+    EXPECT_EQ((Points{{207, 152}, {144, 152}}), fitted({{204, 154}, {147, 154}}, {207, 152}, {144, 152}, true, true));
+    EXPECT_EQ((Points{{18, 97}, {18, 203}}), fitted({{20, 100}, {20, 200}}, {18, 97}, {18, 203}, true, true));
     // A step that can be seen as one stays.
     EXPECT_EQ(4U, fitted({{90, 10}, {90, 30}, {100, 30}, {100, 50}}, {90, 10}, {100, 50}, false, false).size());
 }

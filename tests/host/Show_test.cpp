@@ -199,7 +199,9 @@ TEST_F(Show, FilesThatCannotBeReadAreOneLineAndExitCodeTwo) {
         char const* cause;
     };
     for (auto const& [file, cause] :
-         {Case{"nowhere.xml", "there is no such file"}, Case{".", "is a folder"}, Case{"empty.xml", "is empty"},
+         {Case{"nowhere.xml", "there is no such file"},
+          Case{".", "is a folder without a workflow: there is no processdefinition.xml in it"},
+          Case{"empty.xml", "is empty"},
           Case{"cut.xml",
                "line 1, column 35: no well-formed XML: input ended before all started tags were ended; last tag "
                "started is 'BLOCK'"},

@@ -1,0 +1,2 @@
+def pack():
+    pass
