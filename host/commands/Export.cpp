@@ -5,7 +5,6 @@
 #include "host/document/WorkflowFolder.h"
 #include "host/files/SafeFolder.h"
 #include "host/workflow/FolderFiles.h"
-#include "host/workflow/FolderVariables.h"
 #include "host/workflow/Report.h"
 #include "host/workflow/ToWorkflow.h"
 
@@ -103,8 +102,6 @@ void checkSource(Options const& options, Document const& document) {
 int exportFolder(Options const& options) {
     Document const document(options.file, options.scripts);
     checkSource(options, document);
-    if (document.isWorkflowFolder())
-        completeVariables(document.path().parent_path(), document.process());
     NodeTree const applications = readApplications(options.applications);
     WorkflowTree tree =
         toWorkflow(document.process(), [&](CFCBlockNode& block) { return document.scriptState(block); });

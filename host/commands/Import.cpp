@@ -5,7 +5,6 @@
 #include "host/document/Document.h"
 #include "host/document/ReadBack.h"
 #include "host/document/WorkflowFolder.h"
-#include "host/workflow/FolderVariables.h"
 #include "host/workflow/FromWorkflow.h"
 #include "host/workflow/Report.h"
 
@@ -88,7 +87,6 @@ int importFolder(Options const& options) {
     setRoots(options.out);
     WorkflowFolder const folder = readWorkflowFolder(options.folder);
     fs::path const path = folder.definition.parent_path();
-    completeVariables(path, *folder.process);
     NativeTree tree = fromWorkflow(*folder.process, path);
     std::vector<Note> notes = notesOf(folder, options.folder);
     notes.insert(notes.end(), tree.notes.begin(), tree.notes.end());

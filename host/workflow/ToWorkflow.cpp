@@ -524,7 +524,8 @@ private:
             return;
         case ScriptState::Missing:
             if (block.GetBPMBlockData() == nullptr || (!script.empty() && script != utf8(block.GetNodeId())))
-                lost(place, fmt::format("its script {}: there is no such file", script.empty() ? "" : script));
+                lost(place, script.empty() ? "its script: it names none"
+                                           : fmt::format("its script {}: there is no such file", script));
             return;
         case ScriptState::Found:
             if (!hasEvents(kind))
@@ -625,6 +626,21 @@ private:
         static_cast<IFCNode&>(state).SetTuRect(middle - kHalfWidth, top, middle + kHalfWidth, top + kHeight);
     }
 
+    // The blocks to which connectors lead from this one, itself included.
+    std::unordered_set<std::size_t> reachedFrom(std::size_t first) const {
+        std::unordered_set<std::size_t> reached;
+        std::vector<std::size_t> open{first};
+        while (!open.empty()) {
+            std::size_t const index = open.back();
+            open.pop_back();
+            if (index == kNone || !reached.insert(index).second)
+                continue;
+            for (CFCConnector* const way : m_tree.nodes()[index].ways)
+                open.push_back(m_tree.indexOf(static_cast<IFCNode*>(way->GetEndObject())));
+        }
+        return reached;
+    }
+
     void addEnds(TreeNode const& container, IFCNode& made, Level& level, CFCBPMTaskNode* start) {
         constexpr int kDistance = 50;
         if (!isOwnLevel(made) || m_isWorkflow)
@@ -632,10 +648,10 @@ private:
         IFCNode* const first = level.first != kNone ? m_made[level.first] : nullptr;
         // The blocks that the flow reaches and does not leave.
         std::vector<IFCNode*> finals;
+        std::unordered_set<std::size_t> const reached = reachedFrom(level.first);
         for (Child const& child : level.children) {
             TreeNode const& entry = m_tree.nodes()[child.index];
-            bool const isReached = m_hasWayIn[child.index] || child.index == level.first;
-            if (entry.ways.empty() && isReached && child.kind != eShapeType_EndState)
+            if (entry.ways.empty() && reached.contains(child.index) && child.kind != eShapeType_EndState)
                 finals.push_back(entry.node);
         }
         CFCBPMTaskNode* end = nullptr;

@@ -207,6 +207,12 @@ TEST_F(ToWorkflow, EveryBlockWhereTheFlowEndsLeadsToTheOneEnd) {
     EXPECT_THAT(flow(), ElementsAre("Start > A", "A > B > C", "B > End", "C > End", "Lone", "End"));
 }
 
+TEST_F(ToWorkflow, BlocksThatNoFlowReachesLeadNowhereNew) {
+    convert(process(node("X", "Decision") + node("Y") + node("Z") + connector("X", "Y") + connector("Y", "X") +
+                    connector("X", "Z", 8, 4) + node("A") + node("E", "Oval") + connector("A", "E")));
+    EXPECT_THAT(flow(), ElementsAre("Start > A", "X > Y > Z", "Y > X", "Z", "A > E", "E"));
+}
+
 TEST_F(ToWorkflow, ATerminatorThatALoopLeadsIntoIsNoStart) {
     convert(process(node("S", "Oval") + node("A") + connector("S", "A") + connector("A", "S")));
     EXPECT_EQ(kindAt("S"), eShapeType_Task);

@@ -1,4 +1,4 @@
-#include "host/workflow/FolderVariables.h"
+#include "host/document/FolderVariables.h"
 
 #include "host/basics/Text.h"
 #include "host/document/Tree.h"
