@@ -4,6 +4,8 @@
 #include "flowmere/foundation/ModuleEntry.h"
 #include "flowmere/foundation/TuConsole.h"
 
+#include <dlfcn.h>
+
 // Written by the build.
 #if __has_include("flowmere/foundation/BuildStamp.h")
 #include "flowmere/foundation/BuildStamp.h"
@@ -41,8 +43,19 @@ struct EndMark {
 };
 EndMark const s_endMark;
 
+// A module that the program was linked with goes together with it, and runs the functions below `destructor` first all
+// the same. It is known by the names that all of the program see.
+bool isOfTheProgram() {
+    void* const seen = dlsym(RTLD_DEFAULT, "_localFnToKeepFlowmereDllLoaded");
+    Dl_info place{};
+    Dl_info own{};
+    return seen != nullptr && dladdr(seen, &place) != 0 && dladdr(&s_isProcessEnding, &own) != 0 &&
+           place.dli_fbase == own.dli_fbase;
+}
+
 __attribute__((destructor)) void moduleGoes() {
-    flowmere::moduleEntry(flowmere::kModuleUnloaded, s_isProcessEnding ? &s_isProcessEnding : nullptr);
+    bool const isEnding = s_isProcessEnding || isOfTheProgram();
+    flowmere::moduleEntry(flowmere::kModuleUnloaded, isEnding ? &s_isProcessEnding : nullptr);
 }
 
 } // namespace
