@@ -367,7 +367,11 @@ bool CFCReader::LoadFileNode(wchar_t const* path, IFCNode* node, bool) {
     flowmere::XmlPlatform const platform;
     DOMDocument* document = nullptr;
     if (!InitXML(resolved, &document)) {
-        m_findings.push_back({CFCReadFinding::FileNotRead, node, file, TuString()});
+        TuString cause;
+        if (GetErrorLine() > 0)
+            cause.Format(L"line %d, column %d: ", GetErrorLine(), GetErrorColumn());
+        cause += GetErrorText();
+        m_findings.push_back({CFCReadFinding::FileNotRead, node, file, cause});
         return false;
     }
     flowmere::XmlDocumentPointer const owner(document);

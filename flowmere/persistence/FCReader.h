@@ -20,7 +20,8 @@ class CDoBaseObject;
 struct CFCReadFinding {
     enum Kind : int {
         ConnectorWithoutBlock = 0, // first and second are the ids of start and end as the file has them
-        FileNotRead = 1,           // first is the path of a link whose file is missing or unreadable
+        FileNotRead = 1,           // first is the path of a link; second tells, with line and column where there are
+                                   // any, why its file cannot be read, and is empty for a file that is missing
     };
     Kind kind = ConnectorWithoutBlock;
     IFCNode* node = nullptr; // the container of the connector, the node of the link; not owned

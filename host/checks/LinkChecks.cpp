@@ -1,6 +1,7 @@
 #include "host/checks/Checks.h"
 
 #include "host/basics/Text.h"
+#include "host/document/Findings.h"
 
 #include <fmt/format.h>
 
@@ -131,7 +132,7 @@ void checkReading(Check& check) {
         std::string const first = utf8(finding.first);
         if (finding.kind == CFCReadFinding::FileNotRead) {
             check.addToContent(index, kMissingFile,
-                               fmt::format("the linked file \"{}\" is missing or cannot be read", first));
+                               fmt::format("the linked file \"{}\" {}", first, linkFault(finding)));
             continue;
         }
         check.addToContent(index, kMissingConnectorBlock,

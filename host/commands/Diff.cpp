@@ -5,6 +5,7 @@
 #include "host/diff/DiffText.h"
 #include "host/diff/Snapshot.h"
 #include "host/document/Document.h"
+#include "host/document/Findings.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -28,13 +29,8 @@ struct Options {
 
 // What the reader passed over is in neither snapshot, and may be the very thing that somebody looks for.
 void tellFindings(Document const& document) {
-    for (CFCReadFinding const& finding : document.findings()) {
-        std::string const text =
-            finding.kind == CFCReadFinding::FileNotRead
-                ? "the linked file " + utf8(finding.first) + " is missing or cannot be read"
-                : "a connector from " + utf8(finding.first) + " to " + utf8(finding.second) + " lacks a block";
-        printError(errorLine(document.file(), pathOf(*finding.node), text) + "\n");
-    }
+    for (CFCReadFinding const& finding : document.findings())
+        printError(errorLine(document.file(), pathOf(*finding.node), describe(finding)) + "\n");
     for (WorkflowNote const& note : notesOf(document.workflowFindings(), document.file()))
         printError(errorLine(note.file, note.place, note.text) + "\n");
 }

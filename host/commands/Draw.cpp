@@ -2,6 +2,7 @@
 
 #include "host/basics/Text.h"
 #include "host/document/Document.h"
+#include "host/document/Findings.h"
 #include "host/drawing/Drawing.h"
 #include "host/files/SafeFile.h"
 
@@ -50,8 +51,7 @@ int draw(Options const& options) {
     Picture picture = makePicture(document, {options.depth, options.states}, format);
     for (CFCReadFinding const& finding : document.findings())
         if (finding.kind == CFCReadFinding::FileNotRead)
-            picture.notes.push_back("the linked file " + oneLine(utf8(finding.first)) +
-                                    " is missing or cannot be read, and is not drawn");
+            picture.notes.push_back(oneLine(describe(finding)) + "; it is not drawn");
     std::vector<std::string> lines;
     for (std::string const& note : picture.notes)
         lines.push_back(errorLine(options.file, "", note));

@@ -2,6 +2,7 @@
 
 #include "host/basics/Text.h"
 #include "host/document/Document.h"
+#include "host/document/Findings.h"
 #include "host/document/Tree.h"
 #include "host/document/WorkflowFacts.h"
 
@@ -342,9 +343,7 @@ int show(Options const& options) {
     fmt::print("{}", text);
     for (CFCReadFinding const& finding : document.findings())
         if (finding.kind == CFCReadFinding::FileNotRead)
-            fmt::print(stderr, "{}\n",
-                       errorLine(options.file, pathOf(*finding.node),
-                                 "the linked file " + utf8(finding.first) + " is missing or cannot be read"));
+            fmt::print(stderr, "{}\n", errorLine(options.file, pathOf(*finding.node), describe(finding)));
     for (WorkflowNote const& note : notesOf(document.workflowFindings(), options.file))
         fmt::print(stderr, "{}\n", errorLine(note.file, note.place, note.text));
     return kExitWell;

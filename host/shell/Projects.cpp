@@ -3,6 +3,7 @@
 #include "host/shell/Workspace.h"
 
 #include "host/basics/Text.h"
+#include "host/document/Findings.h"
 #include "host/scripting/HostModule.h"
 
 #include <fmt/format.h>
@@ -155,13 +156,8 @@ void Workspace::take(std::string const& file, bool mayLose) {
     for (std::string const& path : m_document->blockPaths())
         m_width = std::max(m_width, std::min<std::size_t>(path.size(), 40));
     hostServices().documentPath = m_document->path().string();
-    for (CFCReadFinding const& finding : m_document->findings()) {
-        std::string const text =
-            finding.kind == CFCReadFinding::FileNotRead
-                ? "the linked file " + utf8(finding.first) + " is missing or cannot be read"
-                : "a connector from " + utf8(finding.first) + " to " + utf8(finding.second) + " lacks a block";
-        printError(errorLine(m_document->file(), pathOf(*finding.node), text) + "\n");
-    }
+    for (CFCReadFinding const& finding : m_document->findings())
+        printError(errorLine(m_document->file(), pathOf(*finding.node), describe(finding)) + "\n");
 }
 
 void Workspace::close() {

@@ -881,10 +881,25 @@ TEST(LinkedFiles, ThatAreMissingAreTold) {
                            connector("S", "Gone")));
     ProgramRun const run = study.run({"--json"});
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.err, "flowmere: p.xml: S: the linked file none.xml is missing or cannot be read\n"
+    EXPECT_EQ(run.err, "flowmere: p.xml: S: the linked file none.xml is missing\n"
                        "flowmere: p.xml: a connector from S to Gone lacks a block\n");
-    EXPECT_EQ(jsonOf(run)["notes"], json({"S: the linked file none.xml is missing or cannot be read",
-                                          "a connector from S to Gone lacks a block"}));
+    EXPECT_EQ(jsonOf(run)["notes"],
+              json({"S: the linked file none.xml is missing", "a connector from S to Gone lacks a block"}));
+}
+
+TEST(LinkedFiles, ThatAreBrokenAreToldWithThePlace) {
+    Study study;
+    study.scriptOf("A", "pass");
+    study.folder().write("broken.xml", "<Process>\n<BLOCK Name=\"X\"");
+    study.document(process(block("A") + subProcess("S", "<FILE_LINK FileName=\"broken.xml\"/>") + connector("A", "S")));
+    std::string const place = "S: the linked file broken.xml cannot be read: line 2, column 16: ";
+    EXPECT_THAT(study.run().err, StartsWith("flowmere: p.xml: " + place));
+    for (std::vector<std::string> const& arguments :
+         {std::vector<std::string>{"show", "p.xml"}, {"diff", "p.xml", "p.xml"}, {"shell", "p.xml", "-c", "status"}}) {
+        ProgramSetting setting;
+        setting.folder = study.path();
+        EXPECT_THAT(runProgram(arguments, setting).err, StartsWith("flowmere: p.xml: " + place)) << arguments[0];
+    }
 }
 
 TEST(LinkedFiles, ThatLinkToThemselvesEnd) {

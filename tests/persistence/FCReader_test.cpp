@@ -15,6 +15,7 @@ using namespace flowmere::test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::StartsWith;
 
 namespace {
 
@@ -1653,6 +1654,8 @@ TEST_F(FCReaderLinks, MissingAndBrokenFilesLeaveTheNodeEmptyAndAreFound) {
     EXPECT_EQ(narrow(reader.GetReadFindings()[0].first), (scratch / "missing.bpt").string());
     EXPECT_EQ(reader.GetReadFindings()[1].kind, CFCReadFinding::FileNotRead);
     EXPECT_EQ(reader.GetReadFindings()[1].node, broken);
+    EXPECT_TRUE(reader.GetReadFindings()[0].second.IsEmpty());
+    EXPECT_THAT(narrow(reader.GetReadFindings()[1].second), StartsWith("line 1, column 22: "));
 }
 
 TEST_F(FCReaderLinks, NewReaderLoadsTheFirstFileAndMarksItsLinks) {
