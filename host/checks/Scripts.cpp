@@ -33,6 +33,8 @@ ScriptFacts read(std::filesystem::path const& file, std::string const& className
     ScriptFacts facts;
     try {
         py::object const script = reader().attr("read_script")(py::bytes(file.string()), className);
+        if (script.is_none())
+            return facts;
         facts.error = oneLine(script.attr("error").cast<std::string>());
         facts.errorLine = script.attr("error_line").cast<int>();
         facts.grips = script.attr("grips").cast<std::map<int, int>>();

@@ -1,18 +1,25 @@
 """Reads scripts for the program's check, and never runs any of their code."""
 
 import ast
+import gc
 import keyword
+import opcode
 import os
-import re
 import types
 import warnings
 
 _BRANCHES = (ast.If, ast.IfExp, ast.For, ast.While, ast.Try, ast.Match, ast.ExceptHandler, ast.BoolOp, ast.comprehension)
 _FUNCTIONS = (ast.FunctionDef, ast.AsyncFunctionDef, ast.Lambda, ast.ClassDef)
 
-# What a plain source must have somewhere for a call that sets a grip, and for a relative import.
+# What a plain source must have somewhere for a call that sets a grip.
 _GRIP_CALL = b"setActiveHandle"
-_RELATIVE_IMPORT = re.compile(rb"\bfrom[\s\\]*\.")
+_IMPORT = opcode.opmap["IMPORT_NAME"]
+_CONSTANT = opcode.opmap["LOAD_CONST"]
+_LONG_ARGUMENT = opcode.opmap["EXTENDED_ARG"]
+
+# Of no interest here. For each script alone it would take its time.
+warnings.filterwarnings("ignore", category=SyntaxWarning)
+warnings.filterwarnings("ignore", category=DeprecationWarning, message="invalid ")
 
 
 def is_identifier(name):
@@ -40,15 +47,25 @@ class _Script:
 
 
 def read_script(path, class_name):
-    """The script in the file. Of one that does not compile only the error is told."""
-    script = _Script()
+    """The script in the file. Of one that does not compile only the error is told; None when there is nothing to tell."""
     path = os.fsdecode(path)
+    # Trees are many objects without a circle.
+    is_collected = gc.isenabled()
+    gc.disable()
     try:
-        with open(path, "rb") as stream:
+        return _read(path, class_name)
+    finally:
+        if is_collected:
+            gc.enable()
+
+
+def _read(path, class_name):
+    script = _Script()
+    try:
+        with open(path, "rb", 0) as stream:
             source = stream.read()
-        with warnings.catch_warnings():
-            warnings.simplefilter("ignore")
-            _read_source(source, path, class_name, script)
+        if not _read_source(source, path, class_name, script):
+            return None
     except SyntaxError as error:
         script.error_line = error.lineno or 0
         script.error = _printable(error.msg)
@@ -65,17 +82,58 @@ def read_script(path, class_name):
 
 
 def _read_source(source, path, class_name, script):
+    """False when there is nothing to tell."""
     # A tree takes about as long as all the rest, and most scripts can be told without one.
-    may_set_grip = not _is_plain(source) or _GRIP_CALL in source
-    if not may_set_grip and not _RELATIVE_IMPORT.search(source):
+    if _is_plain(source) and _GRIP_CALL not in source:
         code = compile(source, path, "exec", dont_inherit=True)
-        if any(isinstance(part, types.CodeType) and part.co_name == class_name for part in code.co_consts):
-            return
+        imports = _relative_imports(code)
+        if imports is not None and _has_body(code, class_name):
+            script.relative_imports = imports
+            return bool(imports)
         tree = ast.parse(source, path)
+        _look_at(tree, class_name, False, script)
     else:
         tree = ast.parse(source, path)
         compile(tree, path, "exec", dont_inherit=True)
-    _look_at(tree, class_name, may_set_grip, script)
+        _look_at(tree, class_name, True, script)
+    return True
+
+
+def _has_body(code, name):
+    """Whether the module has a class or a function of that name."""
+    for part in code.co_consts:
+        if type(part) is types.CodeType and part.co_name == name:
+            return True
+    return False
+
+
+def _relative_imports(code):
+    """Those of the module itself, as in a _Script. None where the code has a form that is not known here."""
+    found = []
+    raw = code.co_code
+    operations = raw[::2]
+    at = operations.find(_IMPORT)
+    while at >= 0:
+        # The level and the names, then the import, each in one operation.
+        if at < 2 or operations[at - 1] != _CONSTANT or operations[at - 2] != _CONSTANT:
+            return None
+        if at > 2 and operations[at - 3] == _LONG_ARGUMENT:
+            return None
+        level = code.co_consts[raw[2 * at - 3]]
+        if type(level) is not int:
+            return None
+        if level > 0:
+            found.append((_line_at(code, 2 * at), level, code.co_names[raw[2 * at + 1]]))
+        at = operations.find(_IMPORT, at + 1)
+    found.sort()
+    return found
+
+
+def _line_at(code, offset):
+    for begin, end, line in code.co_lines():
+        if begin <= offset < end and line is not None:
+            return line
+    return 0
 
 
 def _is_plain(source):
