@@ -9,6 +9,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -201,7 +203,93 @@ void checkIsList(std::string const& file) {
         throw Failure(file, "", "is no process list: its root element is neither Processes nor PROCESS_LST");
 }
 
+// Goes over the markup of a text that is known to be well formed.
+class Markup {
+public:
+    explicit Markup(std::string_view text) : m_text(text) {}
+
+    std::size_t comments() const { return m_comments; }
+    // Each name once, in the order of the text.
+    std::vector<std::string> const& elements() const { return m_elements; }
+
+    void read() {
+        for (std::size_t at = m_text.find('<'); at != std::string_view::npos; at = m_text.find('<', m_at)) {
+            m_at = at;
+            if (begins("<!--")) {
+                ++m_comments;
+                pass("-->");
+            } else if (begins("<![CDATA[")) {
+                pass("]]>");
+            } else if (begins("<?")) {
+                pass("?>");
+            } else {
+                if (!begins("</") && !begins("<!"))
+                    addElement();
+                passTag();
+            }
+        }
+    }
+
+private:
+    bool begins(std::string_view text) const { return m_text.substr(m_at).starts_with(text); }
+    void pass(std::string_view end) {
+        // The end of a comment is not part of its beginning.
+        std::size_t const found = m_text.find(end, m_at + end.size());
+        m_at = found == std::string_view::npos ? m_text.size() : found + end.size();
+    }
+    void passTag() {
+        char quote = '\0';
+        for (; m_at < m_text.size(); ++m_at) {
+            char const character = m_text[m_at];
+            if (quote != '\0')
+                quote = character == quote ? '\0' : quote;
+            else if (character == '"' || character == '\'')
+                quote = character;
+            else if (character == '>')
+                return;
+        }
+    }
+    void addElement() {
+        std::string_view const rest = m_text.substr(m_at + 1);
+        std::string name(rest.substr(0, rest.find_first_of("/> \t\r\n")));
+        if (std::find(m_elements.begin(), m_elements.end(), name) == m_elements.end())
+            m_elements.push_back(std::move(name));
+    }
+
+    std::string_view m_text;
+    std::size_t m_at = 0;
+    std::size_t m_comments = 0;
+    std::vector<std::string> m_elements;
+};
+
 } // namespace
+
+std::vector<LeftOut> foreignParts(std::string const& file) {
+    constexpr std::string_view kKnown[] = {"Processes", "PROCESS_LST", "PROCESS", "SUB_GRP", "CODE"};
+    constexpr std::size_t kShown = 5;
+    std::ifstream in(file, std::ios::binary);
+    std::string const text(std::istreambuf_iterator<char>(in), {});
+    // Two bytes for each character: nothing is known of its markup then.
+    if (text.find('\0') != std::string::npos)
+        return {};
+    Markup markup(text);
+    markup.read();
+    std::vector<std::string> names = markup.elements();
+    std::erase_if(names, [&](std::string const& name) {
+        return std::find(std::begin(kKnown), std::end(kKnown), name) != std::end(kKnown);
+    });
+    std::string what = markup.comments() > 0 ? counted(markup.comments(), "comment") : std::string();
+    if (!names.empty()) {
+        what += what.empty() ? "elements of other names (" : " and elements of other names (";
+        for (std::size_t index = 0; index < std::min(names.size(), kShown); ++index)
+            what += (index > 0 ? ", " : "") + names[index];
+        what += names.size() > kShown ? ", ...)" : ")";
+    }
+    if (what.empty())
+        return {};
+    bool const isOne = markup.comments() == 1 && names.empty();
+    return {{"", fmt::format("{} {} left out, since a list that is saved holds none", what, isOne ? "is" : "are")}};
+}
 
 bool isProcess(IFCNode& node) {
     return node.GetNodeType() == eShapeType_FileNode;

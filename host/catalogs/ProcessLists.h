@@ -82,6 +82,10 @@ struct Merged {
     std::size_t outdated = 0;                     // of these, those of which the second list has a higher version
 };
 
+// What stands in the file of a list beside its entries, comments and elements of other names, in one line; none for a
+// file without. No writer keeps it. The file is known to be a list.
+std::vector<LeftOut> foreignParts(std::string const& file);
+
 // Takes the code out of a list, with all below it, and tells what it was: no writer keeps it.
 std::vector<LeftOut> takeOutCode(CFCProcessList& list);
 

@@ -470,13 +470,15 @@ int add(Options const& options) {
     // A user's folder that is the common one has one list for both.
     ListTree const list = folders.hasUser() ? folders.readUser() : folders.readCommon();
     checkRoom(target, *list, groups, process.name);
-    std::vector<LeftOut> const leftOut = takeOutCode(*list);
+    std::vector<LeftOut> leftOut = takeOutCode(*list);
+    std::vector<LeftOut> const foreign = foreignParts(target);
+    leftOut.insert(leftOut.begin(), foreign.begin(), foreign.end());
     TuString const listed = listedPath(options.file, folders.user());
     ListTree const entered = listOf(process, groups, listed, options.bpm);
     CFCNodeHelper::Consolidate(list.get(), entered->GetChild());
     writeList(file, target, *list, options.bpm);
-    file.commit();
     tell(target, leftOut);
+    file.commit();
     std::string const path = (options.group.empty() ? "" : options.group + ".") + process.name;
     if (options.json)
         printOut(jsonText({{"list", target}, {"path", path}, {"name", process.name}, {"file", utf8(listed)}}));
@@ -506,14 +508,20 @@ int merge(Options const& options) {
     ListTree const first = isByFolder ? folders.readCommon() : readList(firstName, folderOf(firstName), options.bpm);
     ListTree const second = isByFolder ? folders.readUser() : readList(secondName, folderOf(secondName), options.bpm);
     // Code goes first: what met it would go with it.
-    std::vector<LeftOut> const firstLeftOut = takeOutCode(*first);
-    std::vector<LeftOut> secondLeftOut = takeOutCode(*second);
+    auto const lossOf = [](CFCProcessList& list, std::string const& name) {
+        std::vector<LeftOut> leftOut = foreignParts(name);
+        for (LeftOut& code : takeOutCode(list))
+            leftOut.push_back(std::move(code));
+        return leftOut;
+    };
+    std::vector<LeftOut> const firstLeftOut = lossOf(*first, firstName);
+    std::vector<LeftOut> secondLeftOut = lossOf(*second, secondName);
     Merged const merged = mergeLists(*first, *second);
     secondLeftOut.insert(secondLeftOut.end(), merged.leftOut.begin(), merged.leftOut.end());
     writeList(file, options.out, *first, options.bpm);
-    file.commit();
     tell(firstName, firstLeftOut);
     tell(secondName, secondLeftOut);
+    file.commit();
     Counts const counts = countsOf(entriesOf(*first));
     if (options.json) {
         Json leftOut = Json::array();
@@ -544,6 +552,19 @@ void addFolderOptions(CLI::App& command, Options& options) {
     command.add_flag("--json", options.json, "Print one JSON document in place of the lines");
 }
 
+// What the command does, once its folders have names: a variable of a shell script that is not set must not stand for
+// the current one.
+void setWork(CLI::App& command, Result& result, std::shared_ptr<Options> const& options,
+             int (*work)(Options const& options)) {
+    command.callback([&command, &result, options, work] {
+        for (char const* const name : {"--base", "--user"})
+            if (CLI::Option const* const option = command.get_option(name);
+                option->count() != 0 && option->as<std::string>().empty())
+                throw Failure("", "", fmt::format("the name of the folder of {} is empty", name));
+        result.exitCode = work(*options);
+    });
+}
+
 } // namespace
 
 void addLibrary(CLI::App& app, Result& result) {
@@ -564,7 +585,7 @@ void addLibrary(CLI::App& app, Result& result) {
                   "\n"
                   "Example:\n"
                   "  flowmere library list --bpm --base /opt/processes --user ~/processes");
-    lister.callback([options, &result] { result.exitCode = list(*options); });
+    setWork(lister, result, options, list);
 
     CLI::App& shower = *command.add_subcommand("show", "Show one entry, and whether its file exists");
     shower.add_option("NAME", options->wanted, "Its path (Group.Name), or its name where only one entry has it")
@@ -572,7 +593,7 @@ void addLibrary(CLI::App& app, Result& result) {
     addFolderOptions(shower, *options);
     shower.footer("Example:\n"
                   "  flowmere library show Design.Beam --base /opt/processes");
-    shower.callback([options, &result] { result.exitCode = show(*options); });
+    setWork(shower, result, options, show);
 
     CLI::App& adder = *command.add_subcommand("add", "Enter a process into the user's list");
     adder.add_option("FILE", options->file, "The process document")->required();
@@ -588,7 +609,7 @@ void addLibrary(CLI::App& app, Result& result) {
                  "\n"
                  "Example:\n"
                  "  flowmere library add beam.bpt --group Design --user ~/processes");
-    adder.callback([options, &result] { result.exitCode = add(*options); });
+    setWork(adder, result, options, add);
 
     CLI::App& merger = *command.add_subcommand("merge", "Merge two lists into a file");
     merger
@@ -607,7 +628,7 @@ void addLibrary(CLI::App& app, Result& result) {
         "Example:\n"
         "  flowmere library merge common.lst mine.lst -o all.lst\n"
         "  flowmere library merge --base /opt/processes --user ~/processes -o all.lst");
-    merger.callback([options, &result] { result.exitCode = merge(*options); });
+    setWork(merger, result, options, merge);
 }
 
 } // namespace flowmere::host

@@ -395,6 +395,39 @@ TEST_F(Library, WhatIsNoProcessIsNotEntered) {
     told({"add", "other.xml", "--user", "own"});
 }
 
+TEST_F(Library, WhatAListDoesNotKnowIsToldBeforeItGoes) {
+    std::string const list = "<?xml version='1.0'?>\n<!-- mine -->\n<Processes Name='Mine' Note='a > b'>"
+                             "<PROCESS Name='p'/><![CDATA[<X>]]><!-- <Y> --><NOTE a='>'/><SUB_GRP Name='g'><NOTE/><Z>"
+                             "<PROCESS Name='in'/></Z></SUB_GRP></Processes>\n";
+    scratch.write("a.bpt", "<Process Name='A'/>");
+    scratch.write("own/process.lst", list);
+    ProgramRun const added = run({"add", "a.bpt", "--user", "own"});
+    EXPECT_EQ(added.exitCode, 0);
+    std::string const rest = ": 2 comments and elements of other names (NOTE, Z) are left out, since a list that is "
+                             "saved holds none\n";
+    EXPECT_EQ(added.err, "flowmere: own/process.lst" + rest);
+    // It is told once: they have gone.
+    scratch.write("b.bpt", "<Process Name='B'/>");
+    EXPECT_EQ(run({"add", "b.bpt", "--user", "own"}).err, "");
+    scratch.write("other.lst", list);
+    scratch.write("one.lst", "<Processes><!-- --><PROCESS Name='q'/></Processes>");
+    EXPECT_EQ(run({"merge", "one.lst", "other.lst", "-o", "out.lst"}).err,
+              "flowmere: one.lst: 1 comment is left out, since a list that is saved holds none\n"
+              "flowmere: other.lst" +
+                  rest);
+    // Nothing is lost by looking.
+    EXPECT_EQ(run({"list", "--user", "own"}).err, "");
+}
+
+TEST_F(Library, AFolderWithoutANameIsNotTheCurrentOne) {
+    for (Words const& words :
+         {Words{"list", "--base", ""}, Words{"show", "p", "--base", ""}, Words{"list", "--base", ".", "--user", ""},
+          Words{"add", "a.bpt", "--user", ""}, Words{"merge", "--base", "", "--user", "own", "-o", "out.lst"}}) {
+        std::string const option = words.back().empty() && words[words.size() - 2] == "--user" ? "--user" : "--base";
+        EXPECT_EQ(refusal(words), "flowmere: the name of the folder of " + option + " is empty\n") << words[0];
+    }
+}
+
 TEST_F(Library, CodeInAListIsToldBeforeItGoes) {
     scratch.write("own/process.lst", listOf("<SUB_GRP Name='g'><CODE Name='c'>x<PROCESS Name='in'/></CODE></SUB_GRP>"
                                             "<CODE Name='d'/><PROCESS Name='p'/>"));
@@ -636,7 +669,8 @@ TEST_F(Library, MergesTwoLists) {
     ProgramRun const merged = run({"merge", "common/process.lst", "own/process.lst", "-o", "all.lst"});
     EXPECT_EQ(merged.exitCode, 0);
     EXPECT_EQ(merged.out, "all.lst: 4 groups, 7 processes; 3 from own/process.lst alone, 1 in both\n");
-    EXPECT_EQ(merged.err, "flowmere: common/process.lst: Design.Sketch: the code is left out, since a list that is "
+    EXPECT_EQ(merged.err, "flowmere: common/process.lst: 1 comment is left out, since a list that is saved holds none\n"
+                          "flowmere: common/process.lst: Design.Sketch: the code is left out, since a list that is "
                           "saved holds none\n");
     expectGolden("host/library/expected/merged.lst", scratch.read("all.lst"));
     ProgramRun const byFolder = run(both({"merge", "-o", "other.lst"}));
