@@ -62,7 +62,15 @@ int format(Options const& options) {
     WorkFolder const work(target);
     fs::path const copy = work.path() / "document.xml";
     fs::path const formatted = work.path() / "document.for";
-    saveBytes(copy.string(), contentOf(options.file));
+    auto const write = [&](fs::path const& file, std::string const& text) {
+        try {
+            saveBytes(file.string(), text);
+        } catch (Failure const&) {
+            // The user knows nothing of this file.
+            fail("there is no room in " + work.path().parent_path().string());
+        }
+    };
+    write(copy, contentOf(options.file));
     CFCWriter::LoadAndFormatXML(libraryPath(copy));
     if (!fs::exists(formatted, error)) {
         checkIsXml(copy, options.file);
@@ -71,7 +79,7 @@ int format(Options const& options) {
     // A second pass over a file that did not come to disk whole finds nothing to format.
     std::string const text = contentOf(formatted);
     fs::path const again = work.path() / "again.xml";
-    saveBytes(again.string(), text);
+    write(again, text);
     CFCWriter::LoadAndFormatXML(libraryPath(again));
     if (!fs::exists(work.path() / "again.for", error))
         fail("there is no room in " + work.path().parent_path().string());

@@ -171,7 +171,8 @@ private:
         auto const companion = contentOf(m_work.path() / "companion.py");
         auto const package = contentOf(m_work.path() / "__init__.py");
         if (!main || !companion || !package || !main->ends_with(kMainEnd) || !companion->ends_with(kCompanionEnd))
-            throw Failure(m_work.path().string(), "", "the scripts cannot be written there");
+            throw Failure(m_options.out, "",
+                          "cannot be written: there is no room in " + m_work.path().parent_path().string());
         return {*main, *companion, *package};
     }
 
