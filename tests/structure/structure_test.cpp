@@ -35,6 +35,12 @@ std::map<std::string, std::set<std::string>> const kMayInclude = {
     {"execution", {"execution", "algorithms", "model", "environment", "foundation"}},
 };
 
+// The rooms of the program in rows: each may include those of the rows above it, and no other one of its own row.
+std::vector<std::set<std::string>> const kRooms = {
+    {"basics"}, {"files"},  {"scripting"}, {"document"}, {"workflow"}, {"checks", "diff", "drawing", "catalogs"},
+    {"run"},    {"report"}, {"session"},   {"shell"},    {"help"},     {"commands"},
+};
+
 // Headers beside the folders that every folder may use.
 std::set<std::string> const kCommonHeaders = {"flowmere/Export.h", "flowmere/Version.h"};
 
@@ -127,6 +133,37 @@ std::vector<std::string> programFaults(std::string const& path, std::string cons
     return faults;
 }
 
+// "run" of "host/run/Journal.h"; empty for a file that lies beside the rooms.
+std::string roomOf(std::string const& path) {
+    static std::string const root = "host/";
+    auto const slash = path.find('/', root.size());
+    return slash == std::string::npos ? std::string() : path.substr(root.size(), slash - root.size());
+}
+
+// The row of a room; that behind the last for what is none.
+std::size_t rowOf(std::string const& room) {
+    auto const row = std::find_if(kRooms.begin(), kRooms.end(),
+                                  [&](std::set<std::string> const& rooms) { return rooms.contains(room); });
+    return static_cast<std::size_t>(row - kRooms.begin());
+}
+
+// Which of its includes no file of a room may have. What lies beside the rooms is the program itself, and may have all.
+std::vector<std::string> roomFaults(std::string const& path, std::string const& text) {
+    std::vector<std::string> faults;
+    std::string const room = roomOf(path);
+    if (!room.empty() && rowOf(room) == kRooms.size())
+        return {path + " lies in no known room"};
+    for (Include const& include : includesOf(text)) {
+        if (!include.name.starts_with("host/"))
+            continue;
+        std::string const target = roomOf(include.name);
+        bool const isKnown = rowOf(target) < kRooms.size();
+        if (!isKnown || (!room.empty() && target != room && rowOf(target) >= rowOf(room)))
+            faults.push_back(path + " may not include " + include.name);
+    }
+    return faults;
+}
+
 // The first circle of headers found, from a header back to itself; empty when there is none.
 class CircleSearch {
 public:
@@ -208,6 +245,43 @@ TEST(IncludeOrder, ProgramUsesTheUmbrellaAlone) {
     EXPECT_THAT(faults, IsEmpty());
 }
 
+TEST(IncludeOrder, EachRoomOfTheProgramIncludesThoseBeforeIt) {
+    std::vector<std::string> faults;
+    std::set<std::string> rooms;
+    for (auto const& [path, text] : readSources("host")) {
+        rooms.insert(roomOf(path));
+        auto const found = roomFaults(path, text);
+        faults.insert(faults.end(), found.begin(), found.end());
+    }
+    EXPECT_THAT(faults, IsEmpty());
+    for (std::set<std::string> const& row : kRooms)
+        for (std::string const& room : row)
+            EXPECT_THAT(rooms, Contains(room)) << "there is no such room any more";
+}
+
+// The rooms that the table of the documentation names in its rows.
+TEST(IncludeOrder, TheDocumentationTellsOfTheSameRooms) {
+    std::ifstream file(fs::path(FLOWMERE_SOURCE_DIR) / "docs/architecture.md");
+    std::vector<std::set<std::string>> rows;
+    bool isTable = false;
+    static std::regex const room(R"(`([a-z]+)/`)");
+    for (std::string line; std::getline(file, line);) {
+        bool const isHead = line.starts_with("| room in `host/`");
+        isTable = isHead || (isTable && line.starts_with("|"));
+        if (!isTable || isHead)
+            continue;
+        std::set<std::string> names;
+        std::string const cell = line.substr(0, line.find('|', 1));
+        for (std::sregex_iterator match(cell.begin(), cell.end(), room), end; match != end; ++match)
+            // It holds no C++.
+            if ((*match)[1] != "python")
+                names.insert((*match)[1]);
+        if (!names.empty())
+            rows.push_back(std::move(names));
+    }
+    EXPECT_EQ(rows, kRooms);
+}
+
 TEST(IncludeOrder, NoTwoHeadersIncludeEachOther) {
     Sources sources = readSources("flowmere");
     sources.merge(readSources("host"));
@@ -264,6 +338,21 @@ TEST(IncludeOrderCheck, SeesAProgramThatLooksInside) {
     EXPECT_THAT(programFaults("host/main.cpp", "#include \"flowmere/Flowmere.h\"\n#include <Python.h>\n"), IsEmpty());
     EXPECT_THAT(programFaults("host/commands/Run.cpp", "#include \"Run.h\"\n"),
                 ElementsAre("host/commands/Run.cpp names Run.h without its folder"));
+}
+
+TEST(IncludeOrderCheck, SeesARoomThatLooksAhead) {
+    EXPECT_THAT(roomFaults("host/run/Runner.cpp", "#include \"host/session/Progress.h\"\n"),
+                ElementsAre("host/run/Runner.cpp may not include host/session/Progress.h"));
+    EXPECT_THAT(roomFaults("host/checks/Checks.h", "#include \"host/diff/Compare.h\"\n"),
+                ElementsAre("host/checks/Checks.h may not include host/diff/Compare.h"));
+    EXPECT_THAT(roomFaults("host/commands/Run.cpp", "#include \"host/main.h\"\n"),
+                ElementsAre("host/commands/Run.cpp may not include host/main.h"));
+    EXPECT_THAT(roomFaults("host/attic/A.h", ""), ElementsAre("host/attic/A.h lies in no known room"));
+    EXPECT_THAT(roomFaults("host/run/Runner.cpp",
+                           "#include \"host/run/Runner.h\"\n#include \"host/basics/Text.h\"\n#include <vector>\n"
+                           "#include \"flowmere/Flowmere.h\"\n"),
+                IsEmpty());
+    EXPECT_THAT(roomFaults("host/main.cpp", "#include \"host/commands/Run.h\"\n"), IsEmpty());
 }
 
 TEST(IncludeOrderCheck, SeesACircle) {
