@@ -72,10 +72,10 @@ Document const& documentOf(int count, bool hasPlaces) {
     return *document;
 }
 
-void draw(benchmark::State& state, bool hasPlaces) {
+void draw(benchmark::State& state, bool hasPlaces, PictureFormat format = PictureFormat::Svg) {
     Document const& document = documentOf(static_cast<int>(state.range(0)), hasPlaces);
     for (auto _ : state)
-        benchmark::DoNotOptimize(drawPicture(document, {}, PictureFormat::Svg).size());
+        benchmark::DoNotOptimize(drawPicture(document, {}, format).size());
     state.SetComplexityN(state.range(0));
 }
 
@@ -92,6 +92,10 @@ void DrawBlocksWithPlaces(benchmark::State& state) {
 }
 void DrawBlocksWithoutPlaces(benchmark::State& state) {
     draw(state, false);
+}
+// The dots are packed besides. Beyond the limit of the format a picture is scaled down, and takes no longer than that.
+void DrawBlocksAsPng(benchmark::State& state) {
+    draw(state, true, PictureFormat::Png);
 }
 void LayOutBlocksWithPlaces(benchmark::State& state) {
     layOutAlone(state, true);
@@ -110,6 +114,7 @@ BENCHMARK(LayOutBlocksWithoutPlaces)
     ->Unit(benchmark::kMillisecond)
     ->Complexity();
 BENCHMARK(DrawBlocksWithPlaces)->RangeMultiplier(10)->Range(kFew, kMany)->Unit(benchmark::kMillisecond)->Complexity();
+BENCHMARK(DrawBlocksAsPng)->RangeMultiplier(10)->Range(kFew, kMany)->Unit(benchmark::kMillisecond)->Complexity();
 BENCHMARK(DrawBlocksWithoutPlaces)
     ->RangeMultiplier(10)
     ->Range(kFew, kMany)
