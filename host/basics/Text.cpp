@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -261,6 +262,11 @@ void printOut(std::string_view text) {
 
 void printError(std::string_view text) {
     writeAll(errorFile, text);
+}
+
+std::size_t errorColumns() {
+    winsize size{};
+    return ::isatty(errorFile) != 0 && ::ioctl(errorFile, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 void setOutputFiles(int output, int error) {

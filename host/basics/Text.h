@@ -43,6 +43,8 @@ std::string jsonText(Json const& document);
 void printOut(std::string_view text);
 // Writes to standard error at once; what that does not take is lost.
 void printError(std::string_view text);
+// Columns of the terminal that printError() writes to; 0 when that is none.
+std::size_t errorColumns();
 // From now on the two write to these files, which at first are 1 and 2.
 void setOutputFiles(int output, int error);
 

@@ -16,7 +16,8 @@ namespace flowmere::host {
 
 namespace {
 
-// The debugger of the run that goes on; null for none. Touched with the interpreter's lock held.
+// The debugger of the run that goes on, which belongs to its Debugging; null for none. Touched with the interpreter's
+// lock held.
 PyObject* debugger = nullptr;
 
 // A call of the debugger that must not disturb an error that is on its way. What goes wrong in it is written out and
@@ -117,7 +118,8 @@ Debugging::Debugging(Document& document, std::vector<CFCBlockNode*> const& at) {
     try {
         py::object object = py::module_::import("_flowmere_debug").attr("BlockDebugger")();
         setup().attr("debugger") = object;
-        debugger = object.release().ptr();
+        m_debugger = object.release().ptr();
+        debugger = m_debugger;
     } catch (py::error_already_set const& problem) {
         throw Failure("Python", "", problem.what());
     }
@@ -132,14 +134,30 @@ Debugging::Debugging(Document& document, std::vector<CFCBlockNode*> const& at) {
 Debugging::~Debugging() {
     for (CFCBlockNode* const block : m_blocks)
         block->SetBreakPointFlag(false);
+    show(false);
     py::gil_scoped_acquire const lock;
     py::error_scope const error;
+    Py_CLEAR(m_debugger);
+}
+
+void Debugging::pause() {
+    show(false);
+}
+
+void Debugging::resume() {
+    show(true);
+}
+
+void Debugging::show(bool isShown) {
+    py::gil_scoped_acquire const lock;
+    py::error_scope const error;
+    debugger = isShown ? m_debugger : nullptr;
     try {
-        setup().attr("debugger") = py::none();
+        setup().attr("debugger") = isShown ? py::reinterpret_borrow<py::object>(m_debugger) : py::none();
     } catch (py::error_already_set&) {
-        // A script took the module's attribute away: there is nothing left to undo.
+        // A script took the module away: nothing opens the debugger then.
+        debugger = nullptr;
     }
-    Py_CLEAR(debugger);
 }
 
 } // namespace flowmere::host

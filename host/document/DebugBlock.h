@@ -30,8 +30,16 @@ public:
     Debugging(Debugging const&) = delete;
     Debugging& operator=(Debugging const&) = delete;
 
+    // From pause() to resume() nothing opens the debugger. It keeps what the user has told it, its own breakpoints for
+    // instance.
+    void pause();
+    void resume();
+
 private:
+    void show(bool isShown);
+
     std::vector<CFCBlockNode*> m_blocks;
+    _object* m_debugger = nullptr;
 };
 
 } // namespace flowmere::host

@@ -74,14 +74,11 @@ std::string faultOf(std::string const& target, fs::path const& destination) {
         return "it is no file name";
     if (destination.string().find('\\') != std::string::npos)
         return "its path holds a backslash";
-    fs::path const folder = destination.parent_path();
-    if (!fs::is_directory(folder, error))
-        return "there is no folder " + folder.string();
+    if (!fs::is_directory(destination.parent_path(), error))
+        return folderFault(destination);
     if (fs::exists(status) && ::access(destination.c_str(), W_OK) != 0)
         return causeOf(errno);
-    if (::access(folder.c_str(), W_OK | X_OK) != 0)
-        return "the folder " + folder.string() + " takes no new file: " + causeOf(errno);
-    return {};
+    return folderFault(destination);
 }
 
 // ".NAME.saving"; of a name too long for that, the beginning and a number that tells it from others.
@@ -111,6 +108,16 @@ int flushed(int file) {
 }
 
 } // namespace
+
+std::string folderFault(fs::path const& path) {
+    std::error_code error;
+    fs::path const folder = fs::absolute(path, error).parent_path();
+    if (!fs::is_directory(folder, error))
+        return "there is no folder " + folder.string();
+    if (::access(folder.c_str(), W_OK | X_OK) != 0)
+        return "the folder " + folder.string() + " takes no new file: " + causeOf(errno);
+    return {};
+}
 
 SystemCalls& systemCalls() {
     static SystemCalls calls{openFile, ::flock, ::write, ::pread, ::ftruncate, ::fchmod, ::fsync, std::rename};

@@ -57,6 +57,9 @@ private:
     bool m_isDone = false;
 };
 
+// Why no new file can come to stand at the path in its folder, as the end of a message; empty when one can.
+std::string folderFault(std::filesystem::path const& path);
+
 // Writes a whole file in this way.
 void saveBytes(std::string const& target, std::string_view bytes);
 

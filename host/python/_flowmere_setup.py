@@ -18,6 +18,9 @@ _last_reported = None
 debugger = None
 # Folders whose modules are no scripts, even where a script root holds them.
 _own_homes = []
+# Process in which the program runs; scripts may fork off others.
+_owner = 0
+_exit = os._exit
 # Letters of a source line that a message shows.
 _LONGEST_SOURCE = 120
 
@@ -56,7 +59,9 @@ def _lies_in(place, root):
 
 def set_up(module_folder):
     """Once, before anything else runs."""
-    global _no_bytecode
+    global _no_bytecode, _owner
+    _owner = os.getpid()
+    os._exit = _leave
     _no_bytecode = module_folder + "/no-bytecode"
     _own_homes[:] = [module_folder, os.path.dirname(os.__file__)]
     sys.dont_write_bytecode = True
@@ -70,6 +75,19 @@ def set_up(module_folder):
             setattr(sys, "__" + name + "__", stream)
     signal.signal(signal.SIGINT, signal.default_int_handler)
     sys.excepthook = report
+
+
+def _leave(status):
+    """Ends the process at once. A program that ends in the midst of a block has not done well, whatever the script says."""
+    if os.getpid() == _owner:
+        frames = [(frame.f_code.co_filename, line) for frame, line in traceback.walk_stack(sys._getframe(1))]
+        frames.reverse()
+        _flowmere.script_leaves(status, *_user_place(frames))
+        status = status or 1
+    _exit(status)
+
+
+_leave.__name__ = _leave.__qualname__ = "_exit"
 
 
 class _Direct(io.BufferedWriter):
@@ -156,15 +174,18 @@ def users_place(paths):
 
 def _place_of(value, trace):
     """File, line and source line of the user's script at which it went wrong."""
-    path, number = "", 0
-    frames = [(frame.f_code.co_filename, line) for frame, line in traceback.walk_tb(trace)]
-    place = users_place([name for name, _ in frames])
-    if place >= 0:
-        path, number = frames[place]
     if _is_fault_of_file(value):
-        path, number = value.filename, value.lineno
-    if not path:
-        return "", 0, ""
+        return _shown_place(value.filename, value.lineno)
+    return _user_place([(frame.f_code.co_filename, line) for frame, line in traceback.walk_tb(trace)])
+
+
+def _user_place(frames):
+    """The same, out of files and lines of which the outermost comes first."""
+    place = users_place([name for name, _ in frames])
+    return _shown_place(*frames[place]) if place >= 0 else ("", 0, "")
+
+
+def _shown_place(path, number):
     return _printable(_short_name(path)), number or 0, _printable(_source_line(path, number or 0))
 
 

@@ -3,6 +3,7 @@
 #include "host/basics/Command.h"
 #include "host/document/Tree.h"
 #include "host/files/Digest.h"
+#include "host/files/SafeFile.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -283,6 +284,9 @@ Journal::Journal(std::string const& file, Use use) : m_file(file) {
         throw Failure(file, "", intent + "is no regular file");
     if (!isNew && status.type() == fs::file_type::not_found)
         throw Failure(file, "", "there is no such journal");
+    if (status.type() == fs::file_type::not_found)
+        if (std::string const fault = folderFault(file); !fault.empty())
+            throw Failure(file, "", "cannot be written: " + fault);
 
     m_descriptor = ::open(file.c_str(), O_RDWR | O_CLOEXEC | (isNew ? O_CREAT : 0), 0666);
     if (m_descriptor < 0)

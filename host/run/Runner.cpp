@@ -108,6 +108,18 @@ void Runner::beginAt(CFCBlockNode& block) {
     m_passesStop = true;
 }
 
+// A block of a loop that is undone once has still run the time before.
+void Runner::addDone(CFCBlockNode& block, int gripBefore, EExecutionStateType stateBefore) {
+    bool const isFirst = m_isDone.insert(&block).second;
+    m_done.push_back({&block, gripBefore, isFirst ? EExecutionStateType_ESNone : stateBefore, isFirst});
+}
+
+void Runner::removeDone() {
+    if (m_done.back().isFirst)
+        m_isDone.erase(m_done.back().block);
+    m_done.pop_back();
+}
+
 void Runner::execute(char const* commandName) {
     HostCommand::instance().ExecuteCommand(commandName, nullptr);
 }
@@ -225,7 +237,8 @@ std::optional<RunEnd> Runner::passOver(CFCBlockNode& block) {
         return std::nullopt;
     result.state = BlockRun::State::Skipped;
     block.setPreviouslyExecutedBlock(m_done.empty() ? nullptr : m_done.back().block);
-    m_done.push_back({&block, block.GetActiveHandle(), std::nullopt, true});
+    addDone(block, block.GetActiveHandle(), block.GetExecutionStateType());
+    m_done.back().isSkipped = true;
     block.SetExecutionStateType(EExecutionStateType_Skipped);
     m_document.process().setExecutionStatus(CFCProcessNode::ExecutionReady);
     m_document.process().setProcessSaveStatus(CFCProcessNode::ProcessUnsaved);
@@ -249,12 +262,13 @@ RunEnd Runner::tick(CFCBlockNode& block) {
         m_observer.beforeBlock(block, false);
     CFCProcessNode& process = m_document.process();
     int const gripBefore = block.GetActiveHandle();
+    EExecutionStateType const stateBefore = block.GetExecutionStateType();
     block.setPreviouslyExecutedBlock(m_done.empty() ? nullptr : m_done.back().block);
     BlockRun result;
     result.path = pathOf(block);
     std::vector<ScriptError> errorsOfNext =
         runScript(block, result, [&](bool hasScript) { tickOnce(block, hasScript); });
-    m_done.push_back({&block, gripBefore});
+    addDone(block, gripBefore, stateBefore);
 
     if (result.state == BlockRun::State::Executed) {
         block.SetExecutionStateType(EExecutionStateType_Executed);
@@ -342,6 +356,7 @@ std::vector<ScriptError> Runner::runScript(CFCBlockNode& block, BlockRun& result
     bool const isModule = hasScript && block.GetScriptType() == EScriptType_PYTHON;
     std::string const name = isModule ? utf8(block.GetScriptName()) : std::string();
     m_mechanism->moveTo(&block);
+    m_interpreter.labelOutput(oneLine(result.path));
 
     if (m_watchdog != nullptr)
         m_watchdog->begin();
@@ -418,8 +433,8 @@ RunEnd Runner::undo() {
     if (undone) {
         block.SetActiveHandle(m_done[index].gripBefore);
         m_undone = m_done[index].at.value_or(&block);
-        m_done.pop_back();
-        block.SetExecutionStateType(EExecutionStateType_ESNone);
+        block.SetExecutionStateType(m_done[index].stateBefore);
+        removeDone();
         process.setExecutionStatus(CFCProcessNode::ExecutionReady);
         m_failed = false;
         m_mechanism->moveTo(before);
@@ -495,7 +510,7 @@ void Runner::again(RunStep const& step) {
     block.SetExecutedFlag(step.kind == RunStep::Kind::Forward);
     if (step.kind == RunStep::Kind::Forward) {
         block.setPreviouslyExecutedBlock(m_done.empty() ? nullptr : m_done.back().block);
-        m_done.push_back({&block, gripBefore});
+        addDone(block, gripBefore, block.GetExecutionStateType());
         m_begun = true;
         if (step.next != nullptr)
             step.next->setPreviouslyExecutedBlock(&block);
@@ -508,12 +523,13 @@ void Runner::again(RunStep const& step) {
         block.SetExecutionStateType(EExecutionStateType_Failed);
         m_failed = true;
     } else {
-        m_done.pop_back();
-        block.SetExecutionStateType(EExecutionStateType_ESNone);
+        block.SetExecutionStateType(m_done.back().stateBefore);
+        removeDone();
         CFCBlockNode* const before = m_done.empty() ? nullptr : m_done.back().block;
         if (before != nullptr)
             before->setPreviouslyExecutedBlock(blockBelow(m_done.size() - 1));
-        m_mechanism->moveTo(before);
+        // The run goes forward again, with the block that was undone.
+        m_mechanism->moveTo(before != nullptr ? &block : nullptr);
         m_begun = before != nullptr;
         m_failed = false;
     }

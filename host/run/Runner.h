@@ -126,6 +126,8 @@ private:
     struct Done {
         CFCBlockNode* block;
         int gripBefore;
+        EExecutionStateType stateBefore; // of an earlier time in this run; none for the first
+        bool isFirst;
         // Where the flow stood, for a block that ran out of its turn.
         std::optional<CFCBlockNode*> at = std::nullopt;
         bool isSkipped = false;
@@ -135,6 +137,8 @@ private:
     using Work = std::function<void(bool hasScript)>;
 
     void begin();
+    void addDone(CFCBlockNode& block, int gripBefore, EExecutionStateType stateBefore);
+    void removeDone();
     RunEnd tick(CFCBlockNode& block);
     std::optional<RunEnd> passOver(CFCBlockNode& block);
     void execute(char const* commandName);
@@ -158,7 +162,8 @@ private:
     CFCBlockNode* m_unasked = nullptr;
     // The library keeps one way back for each block, which a loop overwrites; this is the whole way.
     std::vector<Done> m_done;
-    CFCBlockNode* m_undone = nullptr; // where the flow stands after an undo
+    std::unordered_set<CFCBlockNode*> m_isDone; // the blocks of this way
+    CFCBlockNode* m_undone = nullptr;           // where the flow stands after an undo
     std::vector<CFCVariableData*> m_written;
     std::unordered_set<CFCVariableData*> m_isWritten;
     bool m_begun = false;

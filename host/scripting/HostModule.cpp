@@ -134,13 +134,17 @@ class OutputOrder {
 public:
     void beforePrint(bool isError) {
         begin();
-        if (m_othersPrint || m_isError != isError)
-            settle();
+        Interpreter* const interpreter = hostServices().interpreter;
+        if (interpreter != nullptr && m_isError != isError)
+            interpreter->settleOutput();
+        else if (interpreter != nullptr && m_othersPrint)
+            interpreter->orderOutput();
         m_isError = isError;
     }
     void beforeOthers() {
         begin();
-        settle();
+        if (Interpreter* const interpreter = hostServices().interpreter)
+            interpreter->orderOutput();
         m_othersPrint = true;
     }
     void tickEnds() { m_othersPrint = false; }
@@ -149,10 +153,6 @@ private:
     static void begin() {
         if (hostServices().outputBegins)
             hostServices().outputBegins();
-    }
-    static void settle() {
-        if (Interpreter* const interpreter = hostServices().interpreter)
-            interpreter->settleOutput();
     }
 
     bool m_isError = false;
@@ -211,6 +211,16 @@ std::string executingPath() {
     return hostServices().interpreter != nullptr ? hostServices().interpreter->executingBlock() : std::string();
 }
 
+// The program is about to end, and with it the block.
+void scriptLeaves(int status, std::string const& file, int line, std::string const& source) {
+    std::string const call = "os._exit(" + std::to_string(status) + ")";
+    if (Interpreter* const interpreter = hostServices().interpreter)
+        interpreter->settleOutput();
+    if (hostServices().scriptLeaves)
+        hostServices().scriptLeaves(
+            {executingPath(), call, "the script ends the program", "", false, file, line, source});
+}
+
 void reportError(std::string const& type, std::string const& text, std::string const& traceback, bool interrupt,
                  std::string const& file, int line, std::string const& source) {
     if (Interpreter* const interpreter = hostServices().interpreter)
@@ -245,6 +255,7 @@ PYBIND11_EMBEDDED_MODULE(_flowmere, module) {
     module.def("executing_path", &executingPath);
     module.def("document_path", [] { return hostServices().documentPath; });
     module.def("report_error", &reportError);
+    module.def("script_leaves", &scriptLeaves);
 }
 
 namespace flowmere::host {

@@ -10,6 +10,7 @@
 namespace flowmere::host {
 
 class Interpreter;
+struct ScriptError;
 
 // Makes the module known to Python; before the interpreter starts.
 void registerHostModule();
@@ -21,6 +22,8 @@ struct HostServices {
     // A script has given the variable, which is the one at the end of all links, a value.
     std::function<void(CFCVariableData&)> valueWritten;
     std::function<void()> outputBegins; // a script is about to print; see Interpreter::watchOutput
+    // A script ends the program from within: what it called, and where.
+    std::function<void(ScriptError const&)> scriptLeaves;
     std::string documentPath;
 };
 HostServices& hostServices();

@@ -111,7 +111,7 @@ std::string errorText(ScriptError const& error) {
     return line + (error.text.empty() ? error.type : error.type + ": " + error.text);
 }
 
-Interpreter::Interpreter() {
+Interpreter::Interpreter() : m_owner(::getpid()) {
     fs::path const modules = moduleFolder();
     std::error_code error;
     if (!fs::is_regular_file(modules / "_flowmere_setup.py", error))
@@ -166,6 +166,13 @@ std::vector<ScriptError> Interpreter::takeErrors() {
 }
 
 void Interpreter::finishTick(std::string const& scriptName) {
+    // A process that a script has forked off would go on with the run beside this one, and write to the same files.
+    if (::getpid() != m_owner) {
+        printError(
+            errorLine("", executingBlock(), "a process that the script has forked off comes back, and ends here") +
+            "\n");
+        ::_exit(kExitFound);
+    }
     py::gil_scoped_acquire const lock;
     try {
         py::module_::import("_flowmere_setup").attr("finish_tick")(scriptName);
@@ -225,6 +232,11 @@ void Interpreter::releaseOutput() {
 void Interpreter::settleOutput() {
     if (m_capture != nullptr)
         m_capture->settle();
+}
+
+void Interpreter::orderOutput() {
+    if (m_capture != nullptr)
+        m_capture->order();
 }
 
 void Interpreter::pauseCapture() {

@@ -77,6 +77,8 @@ public:
     void releaseOutput();
     // Waits until all that was printed is where it goes to, so that printOut() comes behind it.
     void settleOutput();
+    // The same between two pieces of what scripts print: a line that is open goes on.
+    void orderOutput();
     // Between the two, what is printed is no output of a block: it goes where it would go without captureOutput().
     void pauseCapture();
     void resumeCapture();
@@ -99,6 +101,7 @@ private:
     std::function<std::string()> m_executingBlock;
     std::vector<ScriptError> m_errors;
     std::unique_ptr<OutputCapture> m_capture;
+    pid_t m_owner;
     std::vector<PrintedText> m_printed;
 };
 

@@ -26,6 +26,7 @@ namespace {
 // What the program asks of its keeper by one byte. The answer is a row of pieces, each of one byte for its kind, eight
 // for its size, and its text; the piece that ends it has neither.
 constexpr char kSettle = 's';
+constexpr char kOrder = 'r'; // the same, and a line that is open stays so
 constexpr char kTake = 't';
 constexpr char kLabel = 'l'; // with the size of the label and the label behind it
 constexpr char kOut = 'o';
@@ -176,7 +177,8 @@ private:
         }
         readAll(m_streams[0]);
         readAll(m_streams[1]);
-        finishLine();
+        if (request != kOrder)
+            finishLine();
         if (request == kLabel)
             readLabel();
         if (request == kTake) {
@@ -380,6 +382,10 @@ bool OutputCapture::readReply(std::vector<PrintedText>* printed) {
 
 void OutputCapture::settle() {
     ask(std::string_view(&kSettle, 1), nullptr);
+}
+
+void OutputCapture::order() {
+    ask(std::string_view(&kOrder, 1), nullptr);
 }
 
 void OutputCapture::label(std::string const& label) {

@@ -27,8 +27,11 @@ public:
     OutputCapture(OutputCapture const&) = delete;
     OutputCapture& operator=(OutputCapture const&) = delete;
 
-    // Returns when all that was written before the call is where it goes to.
+    // Returns when all that was written before the call is where it goes to. A line with a label that is open gets an
+    // end: something else is to come.
     void settle();
+    // The same for more of what is kept: a line that is open goes on.
+    void order();
     // From now on each line that is written on begins with "  LABEL | ", or with "  LABEL ! " on file 2, and a line
     // that is open when something else comes in between gets an end. With an empty label all goes on as it comes.
     void label(std::string const& label);

@@ -3,6 +3,7 @@
 #include "host/basics/Command.h"
 #include "host/basics/Text.h"
 #include "host/document/DebugBlock.h"
+#include "host/document/Findings.h"
 #include "host/files/SafeFile.h"
 #include "host/report/HtmlReport.h"
 #include "host/run/Watchdog.h"
@@ -113,10 +114,40 @@ void RunSession::readOptions() {
 }
 
 void RunSession::checkTargets() const {
+    checkApart();
     if (m_options.saveTo)
         Document::checkCanSave(*m_options.saveTo);
     if (m_options.reportTo)
         SafeFile::check(*m_options.reportTo);
+}
+
+// What one of them wrote, another would write over. Only a run may be saved into its own document.
+void RunSession::checkApart() const {
+    struct Target {
+        char const* option;
+        std::optional<std::string> const& name;
+    };
+    auto const placeOf = [this](std::string const& name) {
+        std::error_code error;
+        fs::path const path = m_startFolder / name;
+        fs::path const place = fs::weakly_canonical(path, error);
+        return error ? path.lexically_normal() : place;
+    };
+    fs::path const document = placeOf(m_document.path().string());
+    std::vector<std::pair<fs::path, char const*>> places;
+    for (Target const& target : {Target{"--journal", m_options.journal}, Target{"--resume", m_options.resume},
+                                 Target{"--save", m_options.saveTo}, Target{"--report", m_options.reportTo}}) {
+        if (!target.name || target.name->empty())
+            continue;
+        fs::path const place = placeOf(*target.name);
+        if (place == document && &target.name != &m_options.saveTo)
+            throw Failure(*target.name, "",
+                          fmt::format("is the document itself, which {} would destroy", target.option));
+        for (auto const& [other, option] : places)
+            if (place == other)
+                throw Failure(*target.name, "", fmt::format("is asked for by {} and by {}", option, target.option));
+        places.emplace_back(place, target.option);
+    }
 }
 
 void RunSession::openJournal() {
@@ -195,10 +226,7 @@ void RunSession::startJournal() {
 void RunSession::tellFindings() {
     for (CFCReadFinding const& finding : m_document.findings()) {
         std::string const path = pathOf(*finding.node);
-        std::string const text =
-            finding.kind == CFCReadFinding::FileNotRead
-                ? "the linked file " + utf8(finding.first) + " is missing or cannot be read"
-                : "a connector from " + utf8(finding.first) + " to " + utf8(finding.second) + " lacks a block";
+        std::string const text = describe(finding);
         printError(errorLine(m_report.file, path, text) + "\n");
         m_report.notes.push_back(path.empty() ? text : path + ": " + text);
     }
@@ -245,6 +273,12 @@ void RunSession::run() {
     services.outputBegins = [this] {
         m_progress.clear();
     };
+    services.scriptLeaves = [this](ScriptError const& error) {
+        std::lock_guard const lock(m_mutex);
+        m_progress.clear();
+        std::string const cause = errorText(error) + (m_options.saveTo ? ", and nothing is saved" : "");
+        printError(errorLine(m_report.file, error.block, cause) + "\n");
+    };
     services.writeHistory = [this](std::string const& text) {
         history(text);
     };
@@ -260,6 +294,7 @@ void RunSession::run() {
     runner.setWatchdog(nullptr);
     services.writeHistory = nullptr;
     services.outputBegins = nullptr;
+    services.scriptLeaves = nullptr;
     finish(runner);
 }
 
@@ -325,7 +360,6 @@ void RunSession::beforeBlock(CFCBlockNode& block, bool isUndo) {
     std::lock_guard const lock(m_mutex);
     m_running = &block;
     m_isUndoing = isUndo;
-    m_interpreter->labelOutput(oneLine(pathOf(block)));
     if (m_journal != nullptr)
         m_journal->blockStarts(m_names->nameOf(&block), isUndo);
 }

@@ -34,6 +34,7 @@ public:
 private:
     void readOptions();
     void checkTargets() const;
+    void checkApart() const;
     void openJournal();
     JournalAim aim() const;
     void startJournal();

@@ -156,6 +156,11 @@ Failure unknownName(std::vector<Word> const& words, std::size_t place, std::vect
     if (!nearest.empty())
         return {"", nearest, cause + suggestion(nearest, names)};
     std::string const& first = words.at(place).text;
+    // What other shells say.
+    for (auto const& [word, meant] : {std::pair("exit", "quit"), std::pair("bye", "quit"), std::pair("logout", "quit"),
+                                      std::pair("?", "help"), std::pair("ls", "show")})
+        if (first == word && std::find(names.begin(), names.end(), meant) != names.end())
+            return {"", first, cause + "; did you mean " + meant + "?"};
     std::string begun;
     for (std::string const& candidate : names)
         if (lowered(candidate).starts_with(lowered(first) + " "))

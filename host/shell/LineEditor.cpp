@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <langinfo.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
@@ -35,15 +36,31 @@ void setInterrupt(struct sigaction* before) {
     ::sigaction(SIGINT, &action, before);
 }
 
+// Until there is something to read. False when Ctrl-C came first, be it in the moment before: a mere read would wait
+// for what nobody types.
+bool waitForInput() {
+    sigset_t interrupt;
+    sigset_t before;
+    ::sigemptyset(&interrupt);
+    ::sigaddset(&interrupt, SIGINT);
+    ::pthread_sigmask(SIG_BLOCK, &interrupt, &before);
+    pollfd file{STDIN_FILENO, POLLIN, 0};
+    while (isInterrupted == 0 && ::ppoll(&file, 1, nullptr, &before) < 0 && errno == EINTR)
+        continue;
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return isInterrupted == 0;
+}
+
 // One byte of what is typed: 1, 0 at the end, and -1 after Ctrl-C, from which the editor itself would read on.
 int readByte(unsigned char& byte) {
-    for (;;) {
+    while (waitForInput()) {
         ssize_t const count = ::read(STDIN_FILENO, &byte, 1);
         if (count >= 0)
             return static_cast<int>(count);
-        if (errno != EINTR || isInterrupted != 0)
+        if (errno != EINTR)
             return -1;
     }
+    return -1;
 }
 
 // One character, of as many bytes as UTF-8 gives it.
@@ -260,16 +277,17 @@ std::optional<std::string> LineEditor::readPlain(std::string const& prompt) {
             m_rest.erase(0, end + 1);
             return line;
         }
+        if (!waitForInput()) {
+            isInterrupted = 0;
+            m_rest.clear();
+            printOut("\n" + prompt);
+            continue;
+        }
         char buffer[4096];
         ssize_t const count = ::read(STDIN_FILENO, buffer, sizeof buffer);
         if (count > 0) {
             m_rest.append(buffer, static_cast<std::size_t>(count));
-        } else if (count < 0 && errno == EINTR) {
-            if (std::exchange(isInterrupted, 0) != 0) {
-                m_rest.clear();
-                printOut("\n" + prompt);
-            }
-        } else {
+        } else if (count == 0 || errno != EINTR) {
             printOut("\n");
             return m_rest.empty() ? std::nullopt : std::optional<std::string>(std::exchange(m_rest, {}));
         }

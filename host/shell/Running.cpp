@@ -38,6 +38,43 @@ private:
     struct sigaction m_before {};
 };
 
+// What blocks print is theirs. Between them standard output is the shell's, and a terminal where that is one.
+class Capture {
+public:
+    Capture(Interpreter& interpreter, bool isPaused) : m_interpreter(interpreter), m_isPaused(isPaused) {
+        if (m_isPaused)
+            m_interpreter.resumeCapture();
+    }
+    ~Capture() {
+        if (m_isPaused)
+            m_interpreter.pauseCapture();
+    }
+    Capture(Capture const&) = delete;
+    Capture& operator=(Capture const&) = delete;
+
+private:
+    Interpreter& m_interpreter;
+    bool m_isPaused;
+};
+
+// The debugger of the session, while blocks run.
+class Watch {
+public:
+    explicit Watch(Debugging* debugging) : m_debugging(debugging) {
+        if (m_debugging != nullptr)
+            m_debugging->resume();
+    }
+    ~Watch() {
+        if (m_debugging != nullptr)
+            m_debugging->pause();
+    }
+    Watch(Watch const&) = delete;
+    Watch& operator=(Watch const&) = delete;
+
+private:
+    Debugging* m_debugging;
+};
+
 // Scripts that go to another folder find themselves there again, and the shell stays where it is.
 class ScriptFolder {
 public:
@@ -87,10 +124,17 @@ Runner& Workspace::runner() {
     if (document.process().GetFirstConnectedBlock() == nullptr)
         throw Failure(document.file(), "", "holds no block to run", kExitFound);
     m_interpreter = &Interpreter::start(document.scriptRoots());
-    if (m_output.isJson())
-        m_interpreter->captureOutput(true);
+    m_interpreter->captureOutput(m_output.isJson());
+    if (!m_output.isJson())
+        m_interpreter->pauseCapture();
     hostServices().writeHistory = [this](std::string const& text) {
         history(text);
+    };
+    hostServices().scriptLeaves = [this](ScriptError const& error) {
+        bool const isLost = hasUnsavedChanges();
+        printError(errorLine(m_document->file(), error.block,
+                             errorText(error) + (isLost ? ", and unsaved changes are lost" : "")) +
+                   "\n");
     };
     RunObserver observer;
     observer.blockDone = [this](BlockRun const& run) {
@@ -130,9 +174,12 @@ void Workspace::move(std::function<RunEnd(Runner&)> const& how, std::string cons
     {
         Interrupts const interrupts(*m_interpreter);
         ScriptFolder const folder(m_scriptFolder);
-        std::optional<Debugging> debugging;
-        if (m_setting.debugs && mayDebug)
-            debugging.emplace(*m_document, std::vector<CFCBlockNode*>());
+        Capture const capture(*m_interpreter, !m_output.isJson());
+        if (m_setting.debugs && !m_debugging)
+            m_debugging.emplace(*m_document, std::vector<CFCBlockNode*>());
+        if (m_debugging)
+            m_debugging->pause();
+        Watch const watch(m_debugging && mayDebug ? &*m_debugging : nullptr);
         end = how(moved);
     }
     CFCBlockNode* const next = moved.nextBlock();

@@ -30,6 +30,8 @@ Workspace::Workspace(Setting setting, Output& output)
 
 Workspace::~Workspace() {
     close();
+    m_debugging.reset();
+    hostServices().scriptLeaves = nullptr;
     if (m_interpreter != nullptr)
         m_interpreter->releaseOutput();
     for (CommandEntry const& entry : m_commands.commandEntries())
@@ -148,6 +150,10 @@ void Workspace::mark(Mark mark, bool isSet) {
     }
     char const* const name = markName(static_cast<int>(mark));
     m_output.line(fmt::format("{}: {}{}", oneLine(path), isSet ? "" : "no ", name));
+    if (mark == Mark::Break && isSet)
+        m_output.fact("debugs", m_setting.debugs);
+    if (mark == Mark::Break && isSet && !m_setting.debugs && !std::exchange(m_hasToldBreaks, true))
+        m_output.line("break points open the debugger in a shell with --debug, and do nothing in this one");
     m_output.fact("block", path);
     m_output.fact("mark", name);
     m_output.fact("set", isSet);

@@ -2,6 +2,7 @@
 
 // What the shell works on: the open project, its run, and what each of the library's commands does with them.
 
+#include "host/document/DebugBlock.h"
 #include "host/document/Document.h"
 #include "host/run/HostCommand.h"
 #include "host/run/Runner.h"
@@ -112,7 +113,9 @@ private:
     std::size_t m_width = 0;      // of the paths of blocks in lines
     Interpreter* m_interpreter = nullptr;
     std::unique_ptr<Runner> m_runner;
+    std::optional<Debugging> m_debugging; // from the first run of a shell that debugs to its end
     bool m_hasBegun = false;
+    bool m_hasToldBreaks = false;         // that they have no effect here
     std::filesystem::path m_scriptFolder; // where scripts went
     std::set<std::string> m_expanded;     // paths of sub-processes
     VariableValues m_values;              // what Extract Variable Data found last

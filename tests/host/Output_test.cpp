@@ -409,6 +409,60 @@ TEST(PrintedOutput, StandsBeforeTheHistoryLineThatFollowsIt) {
               "  A | one\nhistory: two\n  A | three\nA  # ms  Executed\nended: 1 block executed,  # ms\n");
 }
 
+TEST(PrintedOutput, GoesOnInTheOpenLineBehindAProgram) {
+    Study study;
+    study.scriptOf("A", "import subprocess\nprint('one ', end='')\nsubprocess.run(['printf', 'two '])\nprint('three')\n"
+                        "print('four')");
+    study.document(process(block("A")));
+    EXPECT_EQ(withoutTimes(study.run().out),
+              "  A | one two three\n  A | four\nA  # ms  Executed\nended: 1 block executed,  # ms\n");
+}
+
+TEST(ScriptThatEndsTheProgram, IsToldAndIsNoSuccess) {
+    struct Row {
+        std::string statement;
+        std::vector<std::string> arguments;
+        int exitCode;
+        std::string call;
+        std::string rest;
+    };
+    for (Row const& row :
+         std::vector<Row>{{"os._exit(0)", {}, 1, "os._exit(0)", ""},
+                          {"os._exit(7)", {}, 7, "os._exit(7)", ""},
+                          {"os._exit(0)", {"--save", "o.xml"}, 1, "os._exit(0)", ", and nothing is saved"},
+                          {"os._exit(0)", {"--json"}, 1, "os._exit(0)", ""}}) {
+        Study study;
+        study.scriptOf("A", "import os\n" + row.statement);
+        study.document(process(block("A")));
+        ProgramRun const run = study.run(row.arguments);
+        EXPECT_EQ(run.exitCode, row.exitCode) << row.statement;
+        EXPECT_EQ(run.err, "flowmere: p.xml: A: s/A.py:14: `" + row.statement + "`: " + row.call +
+                               ": the script ends the program" + row.rest + "\n");
+        EXPECT_FALSE(std::filesystem::exists(study.path() / "o.xml"));
+    }
+}
+
+TEST(ScriptThatForks, HasItsProcessesEndInSilence) {
+    Study study;
+    study.scriptOf("A", "import os\nchild = os.fork()\nif child == 0:\n    os._exit(0)\nos.waitpid(child, 0)");
+    study.document(process(block("A")));
+    ProgramRun const run = study.run();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.err, "");
+}
+
+TEST(ScriptThatForks, RunsTheRestOfTheProcessOnce) {
+    Study study;
+    study.scriptOf("A", "import os\nchild = os.fork()\nif child != 0:\n    os.waitpid(child, 0)");
+    study.scriptOf("B", "open('ran', 'a').write('B')");
+    study.document(process(block("A") + block("B") + connector("A", "B")));
+    ProgramRun const run = study.run({"--journal", "j"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.err, "flowmere: A: a process that the script has forked off comes back, and ends here\n");
+    EXPECT_EQ(study.folder().read("ran"), "B");
+    EXPECT_EQ(withoutTimes(run.out), "A  # ms  Executed\nB  # ms  Executed\nended: 2 blocks executed,  # ms\n");
+}
+
 TEST(PrintedOutput, IsNotLostWhenTheScriptEndsTheProgram) {
     struct Row {
         std::string end;
@@ -437,7 +491,9 @@ TEST(PrintedOutput, IsNotLostWhenTheScriptEndsTheProgram) {
         std::string const divide = "\n  A | ";
         for (std::size_t at = 0; (at = out.find(divide, start.size())) != std::string::npos;)
             out.erase(at, divide.size());
-        EXPECT_EQ(out == start + std::string(100000, 'x') + (row.exitCode == 6 ? "another\n" : ""), true)
+        // What tells of os._exit() stands on a line of its own.
+        std::string const end = row.exitCode == 6 ? "another\n" : row.exitCode == 5 ? "\n" : "";
+        EXPECT_EQ(out == start + std::string(100000, 'x') + end, true)
             << row.end << run.out.substr(0, 200) << run.out.size();
         EXPECT_THAT(run.err, StartsWith("  A ! error\n")) << row.end;
     }

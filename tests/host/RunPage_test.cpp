@@ -1,6 +1,7 @@
 // flowmere run --report, and the line of a terminal that tells how much is left.
 
 #include "Study.h"
+#include "Terminal.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -93,6 +94,23 @@ TEST_F(Page, StandsWhereItWasAskedFor) {
     EXPECT_EQ(study.run({"--report", "page.html", "--save", "out.xml"}).exitCode, 0);
     EXPECT_THAT(page(), HasSubstr("<html"));
     EXPECT_TRUE(std::filesystem::exists(study.path() / "out.xml"));
+}
+
+// What goes on in a second line would stay there.
+TEST(LineOfATerminal, FitsIntoOneLine) {
+    std::string const longName = "A_name_that_is_longer_than_a_line_of_the_terminal";
+    // Of two columns each.
+    std::string const beam = "\xE6\xA2\x81";
+    std::string const column = "\xE6\x9F\xB1";
+    std::string const wideName = beam + column + beam + column + beam + column;
+    Study study;
+    study.document(process(block(longName, "", "s.A") + block(wideName, "", "s.A") + connector(longName, wideName)));
+    study.scriptOf("A", "pass");
+    Terminal terminal({"run", "p.xml"}, {study.path(), {"TERM=xterm"}, 50});
+    EXPECT_EQ(terminal.end(), 0) << terminal.shown();
+    EXPECT_THAT(terminal.shown(), HasSubstr("\r\x1b[Krunning ...a_line_of_the_terminal (0 blocks done)\r\x1b[K"));
+    EXPECT_THAT(terminal.shown(),
+                HasSubstr("\r\x1b[Krunning ..." + column + beam + column + " (1 block done, under 1 s left)\r\x1b[K"));
 }
 
 TEST(LineOfATerminal, TellsHowMuchIsLeftByTheRunThatTheJournalHeld) {

@@ -514,6 +514,44 @@ TEST_F(TheShell, PrintsTheHistoryOfScripts) {
               "history: first\nhistory: second\nA  # ms  Executed  Out=0\nstopped before B\n");
 }
 
+TEST_F(TheShell, WhatBlocksPrintIsOnLinesOfItsOwn) {
+    study.scriptOf("A", "import os, subprocess\nprint('no end', end='')\nsubprocess.run(['printf', ' of a line'])");
+    study.scriptOf("B", "import sys\nprint('two\\nlines')\nprint('error', file=sys.stderr, end='')");
+    ProgramRun const run = piped("Execution Step\nExecution Step\n");
+    EXPECT_EQ(withoutTimes(run.out), "opened: p.xml: 6 blocks\n  A | no end of a line\nA  # ms  Executed  Out=0\n"
+                                     "stopped before B\n  B | two\n  B | lines\nB  # ms  Executed  Out=0\n"
+                                     "stopped before Sub\n");
+    EXPECT_THAT(run.err, StartsWith("  B ! error\n"));
+}
+
+TEST_F(TheShell, ScriptsThatCloseStandardOutputDoNotCloseThatOfTheShell) {
+    study.scriptOf("A", "import os\nos.close(1)\nos.close(2)");
+    ProgramRun const run = piped("Execution Step\nstatus\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_THAT(run.out, HasSubstr("stopped before B\nproject: p.xml"));
+}
+
+TEST_F(TheShell, AScriptThatEndsItIsTold) {
+    study.scriptOf("A", "import os\nos._exit(0)");
+    ProgramRun const run = piped("Stop At B\nExecution Step\nstatus\n");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err, "flowmere: p.xml: A: s/A.py:14: `os._exit(0)`: os._exit(0): the script ends the program, and "
+                       "unsaved changes are lost\n");
+}
+
+TEST_F(TheShell, ABlockOfALoopThatIsUndoneOnceHasStillRunBefore) {
+    for (std::string const name : {"A", "B"})
+        study.scriptOf(name, "pass");
+    study.document(process(block("Start", "", "", "Oval") + block("A") + block("B") + connector("Start", "A") +
+                           connector("A", "B") + connector("B", "A", 6, 8)));
+    study.scriptOf("Start", "pass");
+    ProgramRun const run = piped("Execution Step\nExecution Step\nExecution Step\nExecution Step\nExecution Undo Step\n"
+                                 "show\nExecution Undo Step\nExecution Undo Step\nshow\n");
+    EXPECT_THAT(run.out,
+                HasSubstr("  Start: terminator, Executed\n  A: block, Executed, next\n  B: block, Executed\n"));
+    EXPECT_THAT(run.out, testing::EndsWith("  Start: terminator, Executed\n  A: block, next\n  B: block\n"));
+}
+
 TEST_F(TheShell, AProcessWithoutBlocksHasNothingToRun) {
     study.document(process("", variable("V", "Int", "1")));
     EXPECT_EQ(failure("Execution Begin\n", 1), "flowmere: standard input: line 1: p.xml: holds no block to run\n");
@@ -526,7 +564,8 @@ TEST_F(TheShell, AProcessWithoutBlocksHasNothingToRun) {
 TEST_F(TheShell, SetsBreakPoints) {
     EXPECT_EQ(output("Set Break B\nset Selected Block Sub.X\nSet Break\nshow B\nExpand Block Sub\nClear Break B\n"
                      "Clear All Break\nClear All Break\nstatus\n"),
-              "B: break point\nSelected Block = Sub.X\nSub.X: break point\nB: block, break point\n"
+              "B: break point\nbreak points open the debugger in a shell with --debug, and do nothing in this one\n"
+              "Selected Block = Sub.X\nSub.X: break point\nB: block, break point\n"
               "Sub: sub-process, 2 blocks\n  X: block, break point\n  Y: block\n"
               "B: no break point\nSub.X: no break point\nno block has a break point\n"
               // They are no part of the document.
@@ -556,6 +595,32 @@ TEST_F(TheShell, BreakPointsOpenTheDebugger) {
         EXPECT_EQ(quiet.exitCode, 0);
         EXPECT_THAT(quiet.out, testing::EndsWith("run: 6 blocks done, the flow has ended\n"));
     }
+}
+
+TEST_F(TheShell, TellsThatBreakPointsDoNothingOnlyWhereTheyDoNothing) {
+    std::string const note = "do nothing in this one\n";
+    EXPECT_THAT(said({"Set Break B"}).out, HasSubstr(note));
+    EXPECT_THAT(said({"Set Break B"}, {"p.xml", "--debug"}).out, Not(HasSubstr(note)));
+    EXPECT_THAT(said({"Clear Break B"}).out, Not(HasSubstr(note)));
+    EXPECT_THAT(said({"Set Break B"}, {"p.xml", "--json"}).out, HasSubstr("\"debugs\":false"));
+}
+
+TEST_F(TheShell, TheDebuggerKeepsWhatItWasToldForTheSession) {
+    study.scriptOf("A", "first = 1\nsecond = 2\nthird = 3");
+    study.scriptOf("B", "value = 6 * 7\nlast = value");
+    ProgramSetting setting;
+    setting.folder = study.path();
+    // A breakpoint of its own and a word of its own, told at A, in force at B and when A runs again.
+    setting.inputFrom = study.folder()
+                            .write("debug.txt", "alias twice p %1 * 2\nb s/A.py:15\nc\nc\nn\ntwice value\nc\nc\nb\nc\n")
+                            .string();
+    ProgramRun const run =
+        runProgram({"shell", "p.xml", "--debug", "-c", "Set Break A", "-c", "Set Break B", "-c", "Execution Step", "-c",
+                    "Execution Step", "-c", "Execute Block A", "-c", "status"},
+                   setting);
+    EXPECT_EQ(run.exitCode, 0) << run.err << run.out;
+    EXPECT_THAT(run.out, HasSubstr("84\n"));
+    EXPECT_THAT(run.out, HasSubstr("breakpoint already hit 2 times")) << run.out;
 }
 
 TEST_F(TheShell, ExpandsSubProcesses) {
@@ -702,6 +767,8 @@ TEST_F(TheShell, NearNamesAreSuggested) {
               "Clear: there is no such command; there is Clear All Break, Clear All Skip, Clear All Stop, Clear "
               "Break, Clear Skip Block, Clear Stop At"},
              {"Help", "Help: there is no such command; did you mean help?"},
+             {"exit", "exit: there is no such command; did you mean quit?"},
+             {"ls -l", "ls: there is no such command; did you mean show?"},
              {"Stop At Sbu", "p.xml: Sbu: there is no such block; did you mean Sub?"},
              {"Stop At B C", "C: is one argument too many: Stop At BLOCK"},
              {"Execution Begin now", "now: is one argument too many: Execution Begin"},
@@ -1026,10 +1093,13 @@ TEST_F(TheTerminal, EditsALine) {
                                  "B",
                                  "B: stop\r\n"))
         << terminal.shown();
+    // What is typed before the prompt shows is edited by the terminal.
+    ASSERT_TRUE(terminal.shows("p.xml> "));
     EXPECT_TRUE(terminal.answers("Stop At \xC3\xA4\x7f"
                                  "C",
                                  "C: stop\r\n"))
         << terminal.shown();
+    ASSERT_TRUE(terminal.shows("p.xml> "));
     EXPECT_TRUE(terminal.answers("no\x15status", "with unsaved changes\r\n")) << terminal.shown();
 }
 
