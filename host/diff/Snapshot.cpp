@@ -328,7 +328,7 @@ std::string mark(std::size_t occurrence) {
 // The facts of a workflow come behind the rows of any node.
 Attribute factOf(std::size_t place, IFCNode& node, CFCBPMBlockData& task) {
     Attribute attribute{static_cast<std::uint8_t>(std::size(kNodeRows) + place), {}};
-    for (std::string const& value : workflowFacts()[place].values(node, task))
+    for (std::string const& value : workflowFacts()[place].shown(node, task))
         attribute.value += (attribute.value.empty() ? std::string() : std::string(1, kListMark)) + value;
     return attribute;
 }

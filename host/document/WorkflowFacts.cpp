@@ -185,14 +185,19 @@ std::span<WorkflowFact const> workflowFacts() {
 }
 
 Values WorkflowFact::shown(IFCNode& node, CFCBPMBlockData& task) const {
+    // What a new node has, by place in the table.
+    static std::vector<Values> const blanks = [] {
+        CFCBPMTaskNode blank;
+        std::vector<Values> all;
+        for (WorkflowFact const& fact : kFacts)
+            all.push_back(fact.values(blank, blank));
+        return all;
+    }();
     Values texts = values(node, task);
     std::erase(texts, std::string());
     bool const hasTask = !taskName(node, task).front().empty();
-    if (!texts.empty() && !hasTask) {
-        CFCBPMTaskNode blank;
-        if (texts == values(blank, blank))
-            texts.clear();
-    }
+    if (!texts.empty() && !hasTask && texts == blanks[static_cast<std::size_t>(this - kFacts)])
+        texts.clear();
     return texts;
 }
 

@@ -22,7 +22,8 @@ struct WorkflowFact {
     // One text, or for a list any number of them. Empty texts stand for what is not set.
     std::vector<std::string> (*values)(IFCNode& node, CFCBPMBlockData& task);
 
-    // The same without empty texts, and without what every new node has where there is no task to have it.
+    // The same without empty texts, and without what every new node has where there is no task to have it. Of facts in
+    // the table alone.
     std::vector<std::string> shown(IFCNode& node, CFCBPMBlockData& task) const;
 };
 

@@ -317,6 +317,23 @@ TEST(WorkflowFolder, WhatALayoutHasBesidesIsCounted) {
               "flowmere: w/process.var: there is no such file: the variables are unknown\n" + told);
 }
 
+TEST(WorkflowFolder, WhatEveryNewNodeHasIsOnlyShownOfTasks) {
+    CFCBPMTaskNode node;
+    auto const shown = [&] {
+        std::string text;
+        for (WorkflowFact const& fact : workflowFacts())
+            for (std::string const& value : fact.shown(node, node))
+                text += std::string(fact.name) + "=" + value + " ";
+        return text;
+    };
+    EXPECT_EQ(shown(), "");
+    node.SetEffort(3);
+    node.SetSwimLane(L"clerk");
+    EXPECT_EQ(shown(), "swimlane=clerk effort=3 ");
+    node.SetTaskName(L"T");
+    EXPECT_EQ(shown(), "task=T priority=normal swimlane=clerk effort=3 estimated effort=8 duration=1 ");
+}
+
 TEST(WorkflowFolder, NamesOfFactsAreTheirOwn) {
     std::vector<std::string_view> names;
     for (WorkflowFact const& fact : workflowFacts()) {
