@@ -274,6 +274,12 @@ private:
         }
         if (CFCBlockNode* const first = m_tree.firstBlock(container))
             level.first = m_tree.indexOf(static_cast<IFCNode*>(first));
+        // The engine goes by the start state, wherever a document would begin.
+        auto const start = std::find_if(blocks.begin(), blocks.end(), [&](std::size_t child) {
+            return m_tree.nodes()[child].node->GetNodeType() == eShapeType_StartState && !m_hasWayIn[child];
+        });
+        if (start != blocks.end())
+            level.first = *start;
         bool hasStart = false;
         for (std::size_t const child : blocks) {
             Child plan;

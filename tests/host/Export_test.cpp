@@ -207,6 +207,13 @@ TEST_F(ToWorkflow, EveryBlockWhereTheFlowEndsLeadsToTheOneEnd) {
     EXPECT_THAT(flow(), ElementsAre("Start > A", "A > B > C", "B > End", "C > End", "Lone", "End"));
 }
 
+TEST_F(ToWorkflow, AStartStateIsTheStartWhereverADocumentWouldBegin) {
+    convert(process(node("S", "StartState") + node("E", "EndState") + node("A") + node("B") + connector("S", "E") +
+                    connector("A", "B")));
+    EXPECT_THAT(flow(), ElementsAre("S > E", "E", "A > B", "B"));
+    EXPECT_THAT(notes(), IsEmpty());
+}
+
 TEST_F(ToWorkflow, BlocksThatNoFlowReachesLeadNowhereNew) {
     convert(process(node("X", "Decision") + node("Y") + node("Z") + connector("X", "Y") + connector("Y", "X") +
                     connector("X", "Z", 8, 4) + node("A") + node("E", "Oval") + connector("A", "E")));
