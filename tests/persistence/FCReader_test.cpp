@@ -1655,7 +1655,7 @@ TEST_F(FCReaderLinks, MissingAndBrokenFilesLeaveTheNodeEmptyAndAreFound) {
     EXPECT_EQ(reader.GetReadFindings()[1].kind, CFCReadFinding::FileNotRead);
     EXPECT_EQ(reader.GetReadFindings()[1].node, broken);
     EXPECT_TRUE(reader.GetReadFindings()[0].second.IsEmpty());
-    EXPECT_THAT(narrow(reader.GetReadFindings()[1].second), StartsWith("line 1, column 22: "));
+    EXPECT_THAT(narrow(reader.GetReadFindings()[1].second), StartsWith("line 1, column 21: "));
 }
 
 TEST_F(FCReaderLinks, NewReaderLoadsTheFirstFileAndMarksItsLinks) {
