@@ -44,9 +44,13 @@ struct EndMark {
 EndMark const s_endMark;
 
 // A module that the program was linked with goes together with it, and runs the functions below `destructor` first all
-// the same. It is known by the names that all of the program see.
+// the same. It is known by the names that the program sees; a module's own view holds its own names in any case.
 bool isOfTheProgram() {
-    void* const seen = dlsym(RTLD_DEFAULT, "_localFnToKeepFlowmereDllLoaded");
+    void* const program = dlopen(nullptr, RTLD_LAZY);
+    if (program == nullptr)
+        return false;
+    void* const seen = dlsym(program, "_localFnToKeepFlowmereDllLoaded");
+    dlclose(program);
     Dl_info place{};
     Dl_info own{};
     return seen != nullptr && dladdr(seen, &place) != 0 && dladdr(&s_isProcessEnding, &own) != 0 &&
