@@ -114,7 +114,10 @@ int importFolder(Options const& options) {
                             count(tree.blocks, "block"), count(tree.connectors, "connector"),
                             count(tree.variables, "variable"), count(tree.scripts, "script"), summaryOf(tree.notes));
         if (tree.scripts > 0 && !isBeside)
-            text += fmt::format("The scripts stay in the folder: run it with --scripts {}\n", oneLine(options.folder));
+            text +=
+                fmt::format("Scripts and files stay in the folder: write the document into it to have both, or run it "
+                            "with --scripts {}\n",
+                            oneLine(options.folder));
         printOut(text);
     }
     return hasLosses(tree.notes) ? kExitFound : kExitWell;

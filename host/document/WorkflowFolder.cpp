@@ -2,6 +2,7 @@
 
 #include "host/basics/Command.h"
 #include "host/basics/Text.h"
+#include "host/document/FolderVariables.h"
 #include "host/files/InputFile.h"
 #include "host/files/XmlFault.h"
 
@@ -208,6 +209,7 @@ WorkflowFolder readWorkflowFolder(std::string const& name) {
             throw Failure(fileOf(finding, name), placeOf(finding), describe(finding));
     if (!isWhole && !lacksVariables)
         throw Failure(file.string(), "", "it cannot be read");
+    completeVariables(folder.definition.parent_path(), *root);
     placeScripts(*root, folder);
     return folder;
 }
