@@ -1,7 +1,7 @@
 #pragma once
 
-// Headers from outside that most of the program's sources use, compiled once: they cost more than the sources do. Sources
-// still include what they need.
+// Headers from outside that most of the program's sources use, compiled once: they cost more than the sources do.
+// Sources still include what they need.
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
