@@ -762,7 +762,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"MissingFile", {"run", "none.xml"}, "none.xml: there is no such file"},
         WrongUse{"Folder",
                  {"run", "folder"},
-                 "folder: is a folder, and holds no workflow: there is no processdefinition.xml in it"},
+                 "folder: is a folder without a workflow: there is no processdefinition.xml in it"},
         WrongUse{"Device", {"run", "/dev/null"}, "/dev/null: is no regular file"},
         WrongUse{"EmptyFile", {"run", "empty.xml"}, "empty.xml: is empty"},
         WrongUse{"NoMarkup",
