@@ -4,6 +4,7 @@ import contextlib
 import importlib
 import io
 import pdb
+import select
 import sys
 
 import _flowmere
@@ -40,6 +41,32 @@ class _NoInput:
         return False
 
 
+class _Typed:
+    """Standard input on a terminal. A mere read would miss a Ctrl-C that comes in the moment before it, and go on to
+    wait for what nobody types."""
+
+    # Seconds after which a Ctrl-C from that moment is taken.
+    _MOMENT = 0.2
+
+    def __init__(self, stream):
+        self._stream = stream
+
+    def readline(self):
+        while not select.select([self._stream], [], [], self._MOMENT)[0]:
+            pass
+        return self._stream.readline()
+
+    def isatty(self):
+        return True
+
+
+def _input():
+    stream = sys.__stdin__
+    if stream is None or stream.closed:
+        return _NoInput()
+    return _Typed(stream) if stream.isatty() else stream
+
+
 class BlockDebugger(pdb.Pdb):
     """One for a whole run, so that the user's own breakpoints last from block to block."""
 
@@ -47,7 +74,7 @@ class BlockDebugger(pdb.Pdb):
         output = io.TextIOWrapper(io.FileIO(1, "w", closefd=False), "utf-8", "backslashreplace", write_through=True)
         with _without_readline():
             super().__init__(
-                stdin=sys.__stdin__ or _NoInput(), stdout=output, skip=["_flowmere*"], nosigint=True, readrc=False
+                stdin=_input(), stdout=output, skip=["_flowmere*"], nosigint=True, readrc=False
             )
         self._script = ""
         # Method that is to stop, until it has done so.
