@@ -16,6 +16,7 @@
 #include <functional>
 #include <new>
 #include <string_view>
+#include <thread>
 
 using namespace flowmere::test;
 using testing::ElementsAre;
@@ -31,6 +32,10 @@ std::vector<std::string> events;
 class RecordedTask : public CFCBPMTaskNode {
 public:
     void TransferToDraw() override { events.push_back("draw " + narrow(GetNodeId())); }
+    bool AppendChild(IFCNode* child, bool flag) override {
+        EXPECT_FALSE(flag);
+        return CFCBPMTaskNode::AppendChild(child, flag);
+    }
 };
 
 class RecordingFactory : public CFCNodeFactory {
@@ -63,6 +68,30 @@ private:
 class PlainFactory : public CFCNodeFactory {
 public:
     IFCNode* Create(int kind) override { return CFCNodeFactory::Create(kind == 150 ? 57 : kind); }
+};
+
+// Makes groups, which are no blocks, for tasks.
+class GroupFactory : public CFCNodeFactory {
+public:
+    IFCNode* Create(int kind) override { return CFCNodeFactory::Create(kind == 150 ? 71 : kind); }
+};
+
+// Makes tasks of a look that schedules do not have.
+class LoudFactory : public CFCNodeFactory {
+public:
+    IFCNode* Create(int kind) override {
+        IFCNode* const node = CFCNodeFactory::Create(kind);
+        CFCBlockData* const block = node->GetFCBlockData();
+        block->SetDrawBorder(false);
+        block->SetFillColor(false);
+        block->SetVisible(true);
+        block->SetBorderSet(false);
+        block->SetLineThickness(9);
+        block->SetLinePenType(3);
+        block->SetColorLine(0x123456);
+        block->SetColorFill(0x654321);
+        return node;
+    }
 };
 
 class OpenReader : public CFCMSPReader {
@@ -215,9 +244,24 @@ TEST_F(FCMSPReader, MakesAProcessOfItsOwnProjectType) {
     EXPECT_EQ(EProjectType_MSP, tree->GetProjectType());
     EXPECT_EQ(2, static_cast<int>(tree->GetProjectType()));
     EXPECT_EQ("Block Library", narrow(tree->GetNodeCaption()));
+    EXPECT_EQ("", narrow(tree->GetNodeId()));
     EXPECT_EQ("", outline(tree.get()));
     EXPECT_EQ(0, reader.GetTaskCount());
     EXPECT_THAT(reader.GetFindings(), IsEmpty());
+}
+
+TEST_F(FCMSPReader, ReadsSchedulesWithoutTasks) {
+    for (char const* const content :
+         {"<Project/>", "<Project> \n </Project>", "<Project><Tasks/></Project>", "<Project><Tasks> </Tasks></Project>",
+          "<Project><Tasks/><Tasks></Tasks></Project>", "<Project>Tasks</Project>", "<Tasks/>",
+          "<Project><Tasks><Other/></Tasks></Project>", "<Project><tasks><Task/></tasks><TASKS/></Project>",
+          "<Project><Resources><Resource/></Resources><Assignments/></Project>"}) {
+        ASSERT_TRUE(parse(content)) << content;
+        EXPECT_EQ("", outline(tree.get())) << content;
+        EXPECT_EQ("Block Library", narrow(tree->GetNodeCaption())) << content;
+        EXPECT_EQ(0, reader.GetTaskCount()) << content;
+        EXPECT_THAT(reader.GetFindings(), IsEmpty()) << content;
+    }
 }
 
 TEST_F(FCMSPReader, LooksOnlyAtWhatStandsBelowTheRoot) {
@@ -252,9 +296,14 @@ TEST_F(FCMSPReader, NotesADataFileByTheEndOfItsName) {
         fresh.CheckDataFile(row.path);
         EXPECT_EQ(row.isDataFile, fresh.m_bDataFile) << narrow(row.path);
     }
+    scratch.write("broken.fmr", "<Project>");
+    EXPECT_FALSE(parseFile("broken.fmr"));
+    EXPECT_FALSE(reader.m_bDataFile) << "a file that cannot be read is not looked at";
     scratch.write("plan.fmr", project(""));
     ASSERT_TRUE(parseFile("plan.fmr"));
     EXPECT_TRUE(reader.m_bDataFile);
+    ASSERT_TRUE(parse(project("")));
+    EXPECT_TRUE(reader.m_bDataFile) << "nothing takes it back";
 }
 
 TEST_F(FCMSPReader, ReadsAFileInAnyOuterForm) {
@@ -268,12 +317,19 @@ TEST_F(FCMSPReader, ReadsAFileInAnyOuterForm) {
         if (rows[at + 1] != '/')
             rows.insert(at, "\n\n ");
     }
-    for (Row const& row : {Row{"one line", project(tasks)}, Row{"byte order mark", "\xEF\xBB\xBF" + project(tasks)},
-                           Row{"namespace", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Project "
-                                            "xmlns=\"urn:example:schedule\"><Tasks>" +
-                                                tasks + "</Tasks></Project>"},
-                           Row{"blank rows", project(rows)},
-                           Row{"comments", project("<!-- one --><?two?>" + tasks + "<!-- three -->")}}) {
+    std::string wide = "\xFF\xFE";
+    for (char const letter : project(tasks))
+        wide += {letter, '\0'};
+    for (Row const& row :
+         {Row{"one line", project(tasks)}, Row{"byte order mark", "\xEF\xBB\xBF" + project(tasks)},
+          Row{"byte order mark and declaration",
+              "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n" + project(tasks)},
+          Row{"two bytes for each letter", wide},
+          Row{"namespace", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Project "
+                           "xmlns=\"urn:example:schedule\"><Tasks>" +
+                               tasks + "</Tasks></Project>"},
+          Row{"blank rows", project(rows)},
+          Row{"comments", project("<!-- one --><?two?>" + tasks + "<!-- three -->")}}) {
         flowmere::scheduleColumns() = flowmere::ScheduleColumns();
         ASSERT_TRUE(parse(row.content)) << row.form;
         EXPECT_EQ("150 T1, 150 T2(150 T3)", outline(tree.get())) << row.form;
@@ -287,6 +343,13 @@ TEST_F(FCMSPReader, JoinsTheTextOfAnElement) {
     IFCNode* const made = findTask(tree.get(), "Cut & <fit>");
     ASSERT_NE(nullptr, made);
     EXPECT_EQ("1.2", narrow(made->GetBPMBlockData()->GetWBS()));
+}
+
+TEST_F(FCMSPReader, TellsElementsByTheirWholeTags) {
+    ASSERT_TRUE(parse("<p:Project xmlns:p=\"urn:example:schedule\"><p:Tasks><Task/></p:Tasks><p:Name>P</p:Name>"
+                      "</p:Project>"));
+    EXPECT_EQ("Block Library", narrow(tree->GetNodeCaption()));
+    EXPECT_EQ(0, reader.GetTaskCount());
 }
 
 TEST_F(FCMSPReader, LoadGivesFalseWithoutElementOrNode) {
@@ -353,6 +416,17 @@ INSTANTIATE_TEST_SUITE_P(
         PlaceRow{"ProjectSummary", task("0", "1", "0") + S, "150 TS"},
         PlaceRow{"OtherZeros", task("00", "1", "5") + task(" 0 ", "1", "6"), "150 T00, 161 T 0 "},
         PlaceRow{"NoCode", "<Task><UID>1</UID><Name>T1</Name><Type>1</Type></Task>" + S, "150 TS"},
+        PlaceRow{"BlankRow", S + "<Task><UID>1</UID><ID>1</ID><IsNull>1</IsNull></Task>" + task("2", "0", "9.1"),
+                 "150 TS(150 T2)"},
+        PlaceRow{"BlankRowAlone", "<Task><UID>1</UID><ID>1</ID><IsNull>1</IsNull></Task>", ""},
+        PlaceRow{"NoNameOfItsOwn", S + "<Task><UID>1</UID><Type>1</Type><WBS>2</WBS></Task>", "150 TS, 161 "},
+        PlaceRow{"SummariesFirst",
+                 task("1", "1", "2") + task("2", "1", "3") + task("3", "1", "4") + task("4", "0", "2.1") +
+                     task("5", "0", "3.1") + task("6", "0", "4.1"),
+                 "150 T1, 161 T2, 161 T3(150 T6)"},
+        PlaceRow{"AllCodesEmpty", task("1", "0", "") + task("2", "0", "") + task("3", "0", ""), ""},
+        PlaceRow{"TaskInATaskWithoutChildren", S + task("1", "1", "5", task("2", "0", "5.1") + task("3", "0", "3")),
+                 "150 TS, 161 T1"},
         PlaceRow{"SummaryByType", S + task("1", "1", "2") + task("2", "1", "7.4.1"), "150 TS, 161 T1, 161 T2"},
         PlaceRow{"SummaryByParentOne", S + "<Task><UID>1</UID><Name>T1</Name><WBS>1.1</WBS></Task>", "150 TS, 161 T1"},
         PlaceRow{"ParentOneOfAnyType", S + task("1", "5", "1.7") + task("2", "2", "1.8"), "150 TS, 161 T1, 161 T2"},
@@ -416,6 +490,22 @@ TEST_F(FCMSPReader, DeepTasksAreReadToTheEnd) {
     EXPECT_EQ(kDepth, depth);
 }
 
+TEST_F(FCMSPReader, LoadGoesAsDeepAsTheDocument) {
+    // Deeper than any file may be; the document is the caller's own.
+    constexpr int kDepth = 200000;
+    ASSERT_TRUE(parse("<Project/>"));
+    auto* const root = reader.m_pDocument->getDocumentElement();
+    auto* deepest = root;
+    for (int depth = 0; depth < kDepth; ++depth) {
+        auto* const inner = flowmere::appendElement(deepest, u"Tasks");
+        ASSERT_NE(nullptr, inner);
+        deepest = inner;
+    }
+    flowmere::appendText(flowmere::appendElement(deepest, u"Name"), L"Deep");
+    EXPECT_TRUE(reader.Load(root, tree.get(), 0));
+    EXPECT_EQ("Deep", narrow(tree->GetNodeCaption()));
+}
+
 // --- Findings ------------------------------------------------------------------------------------------------------
 
 struct FindingRow {
@@ -452,6 +542,12 @@ INSTANTIATE_TEST_SUITE_P(
         FindingRow{"Nothing", S, {}}, FindingRow{"ProjectSummary", task("0", "1", "0") + S, {"1 0 0|0||"}},
         FindingRow{"ProjectSummaryWithoutCode", "<Task><UID>0</UID></Task>", {"1 0 0|||"}},
         FindingRow{"NoCode", S + "<Task><UID>4</UID><Type>1</Type></Task>", {"2 1 4|||"}},
+        FindingRow{"BlankRow", S + "<Task><UID>4</UID><ID>3</ID><IsNull>1</IsNull></Task>", {"2 1 4|||"}},
+        FindingRow{"AllCodesEmpty", task("1", "0", "") + task("2", "0", ""), {"1 2 1|||", "2 2 2|||"}},
+        FindingRow{"TaskInATaskWithoutChildren", S + task("1", "1", "5", task("2", "0", "5.1")), {"3 2 2|5.1|5|"}},
+        FindingRow{"LinkInsideALeftOutTask",
+                   task("0", "1", "0", "<PredecessorLink>" + task("2", "1", "5") + "</PredecessorLink>"),
+                   {"1 0 0|0||", "2 4 2|5||"}},
         FindingRow{"EmptyTask", "<Task/>", {"1 1 |||"}}, FindingRow{"TopTaskFirst", task("1", "0", "1"), {"1 2 1|1||"}},
         FindingRow{"TaskFirst", task("1", "0", "4.2.1"), {"1 2 1|4.2.1|4.2|"}},
         FindingRow{"TopTaskBehindASummary", S + task("1", "0", "1"), {"2 3 1|1||9"}},
@@ -537,6 +633,17 @@ TEST_F(FCMSPReader, PlacesNodesWithoutWorkflowData) {
     EXPECT_THAT(findings(), ElementsAre("2 2 2|9.1|9|"));
 }
 
+TEST_F(FCMSPReader, ReadsIntoNodesThatAreNoBlocks) {
+    GroupFactory groups;
+    reader.SetNodeFactory(&groups);
+    ASSERT_TRUE(parseTasks(task("1", "1", "9")));
+    IFCNode* const made = tree->GetChild();
+    EXPECT_EQ(nullptr, made->GetFCBlockData());
+    EXPECT_EQ("T1", narrow(made->GetNodeCaption()));
+    EXPECT_EQ(150, made->GetNodeType()) << "the first summary";
+    EXPECT_THAT(findings(), IsEmpty());
+}
+
 // --- Values --------------------------------------------------------------------------------------------------------
 
 TEST_F(FCMSPReader, NameBecomesCaptionAndIdentifier) {
@@ -584,6 +691,50 @@ TEST_F(FCMSPReader, TypeOfAPredecessorLinkCountsAsThatOfTheTask) {
 TEST_F(FCMSPReader, TypeOfTheFileChangesTheProcess) {
     ASSERT_TRUE(parse("<Project><Type>0</Type></Project>"));
     EXPECT_EQ(150, tree->GetNodeType());
+}
+
+TEST_F(FCMSPReader, ValuesOfTheFileGoToTheProcess) {
+    ASSERT_TRUE(parse("<Project><WBS>4</WBS><Milestone>1</Milestone><Start>2024-03-05T08:00:00</Start>"
+                      "<Finish>2025-04-06T09:10:11</Finish><PredecessorUID>7</PredecessorUID></Project>"));
+    CFCBPMBlockData* const data = tree->GetBPMBlockData();
+    EXPECT_EQ("4", narrow(data->GetWBS()));
+    EXPECT_TRUE(data->IsMilestone());
+    EXPECT_EQ(20240305080000, data->GetStartDate().toSerial());
+    EXPECT_EQ(20250406091011, data->GetEndDate().toSerial());
+    EXPECT_EQ("7", narrow(data->GetPredecessorID()));
+}
+
+TEST_F(FCMSPReader, ValuesInsideOtherElementsOfATaskAreNotRead) {
+    IFCNode* const made =
+        parseTask("<Baseline><UID>9</UID><Name>B</Name><WBS>8</WBS><Type>0</Type><Milestone>1</Milestone>"
+                  "<Start>2024-03-05T08:00:00</Start><Task><UID>4</UID><Type>1</Type><WBS>3</WBS></Task></Baseline>");
+    ASSERT_NE(nullptr, made);
+    EXPECT_EQ("1", narrow(made->GetBPMBlockData()->GetUID()));
+    EXPECT_EQ("1", narrow(made->GetBPMBlockData()->GetWBS()));
+    EXPECT_FALSE(made->GetBPMBlockData()->IsMilestone());
+    EXPECT_TRUE(made->GetBPMBlockData()->GetStartDate().IsEmpty());
+    EXPECT_EQ(nullptr, made->GetChild());
+    EXPECT_EQ(1, reader.GetTaskCount());
+}
+
+TEST_F(FCMSPReader, TakesIdentifiersAndCodesAsTheyAre) {
+    struct Row {
+        char const* uid;
+        char const* wbs;
+    };
+    for (Row const& row : {Row{"-1", "-1"}, Row{"99999999999999999999", "99999999999999999999"}, Row{"1e9", "1,5"},
+                           Row{"x", "..."}, Row{"", ""}, Row{" 7 ", " 1 . 2 "}, Row{"0x0", "\xC3\xA4.\xC3\x9F"}}) {
+        ASSERT_TRUE(parseTasks(S + "<Task>" + element("UID", row.uid) + "<Type>1</Type>" + element("WBS", row.wbs) +
+                               "<Name>T</Name>" + "<PredecessorLink>" + element("PredecessorUID", row.uid) +
+                               "</PredecessorLink></Task>"))
+            << row.uid;
+        IFCNode* const made = findTask(tree.get(), "T");
+        ASSERT_NE(nullptr, made) << row.uid;
+        EXPECT_EQ(row.uid, narrow(made->GetBPMBlockData()->GetUID()));
+        EXPECT_EQ(row.wbs, narrow(made->GetBPMBlockData()->GetWBS()));
+        EXPECT_EQ(row.uid, narrow(made->GetBPMBlockData()->GetPredecessorID()));
+        EXPECT_THAT(reader.GetFindings(), IsEmpty());
+    }
 }
 
 TEST_F(FCMSPReader, MilestoneIsTrueForOneAlone) {
@@ -663,6 +814,8 @@ INSTANTIATE_TEST_SUITE_P(
                     DateRow{"2024-13-45T99:99:99", "2024 13 45 99 99 99"}, DateRow{"32767-1-1", "32767 1 1 0 0 0"},
                     DateRow{"32768-01-01T01:01:01", "0 0 0 0 0 0"},
                     DateRow{"2024-99999999999999999999-05", "2024 0 0 0 0 0"},
+                    // As many as an int has, and one more.
+                    DateRow{"2024-4294967297-05", "2024 0 0 0 0 0"},
                     DateRow{"0000002024-03-05T08:00:00", "2024 3 5 8 0 0"}, DateRow{"+-2024", "0 0 0 0 0 0"}));
 
 TEST_F(FCMSPReader, ASecondDateReplacesTheFirst) {
@@ -674,6 +827,8 @@ TEST_F(FCMSPReader, ASecondDateReplacesTheFirst) {
 // --- Look and layout -----------------------------------------------------------------------------------------------
 
 TEST_F(FCMSPReader, StylesABlockWhenItsIdentifierComes) {
+    LoudFactory loud;
+    reader.SetNodeFactory(&loud);
     ASSERT_TRUE(parseTasks(S + "<Task><Type>1</Type><WBS>3</WBS><Name>T1</Name></Task>"));
     CFCBlockData* const block = findTask(tree.get(), "TS")->GetFCBlockData();
     EXPECT_TRUE(block->GetDrawBorder());
@@ -686,6 +841,7 @@ TEST_F(FCMSPReader, StylesABlockWhenItsIdentifierComes) {
     EXPECT_EQ(0xF6B381U, block->GetColorFill());
     IFCNode* const without = findTask(tree.get(), "T1");
     EXPECT_FALSE(without->GetFCBlockData()->GetBorderSet());
+    EXPECT_EQ(0x654321U, without->GetFCBlockData()->GetColorFill());
     EXPECT_EQ(161, without->GetNodeType());
 }
 
@@ -741,6 +897,15 @@ TEST_F(FCMSPReader, TasksBeginAnewBehindEachSummary) {
                 ElementsAre("20 750", "20 750", "270 200", "270 400", "270 200", "20 750", "270 200"));
 }
 
+TEST_F(FCMSPReader, TheFirstSummaryOfARunEndsTheColumnBeforeIt) {
+    // Tasks in front of any summary: a type of 0 in front of the identifier, below the code 1.
+    std::string const early = "<Task><Type>0</Type><WBS>1.1</WBS><UID>1</UID></Task>";
+    ASSERT_TRUE(parseTasks(early + early + early + S + tasksBelow("9", 2)));
+    EXPECT_THAT(placesOf(tree.get()), ElementsAre("20 750", "270 200", "270 400", // the early ones
+                                                  "20 750",                       // the summary
+                                                  "20 750", "270 200"));
+}
+
 TEST_F(FCMSPReader, TheFirstSummaryOfARunBecomesATaskAndKeepsItsChildren) {
     ASSERT_TRUE(parseTasks(S + task("1", "0", "9.1") + task("2", "1", "2")));
     EXPECT_EQ("150 TS(150 T1), 161 T2", outline(tree.get()));
@@ -762,6 +927,13 @@ TEST_F(FCMSPReader, ColumnsGoOnFromOneImportToTheNext) {
     EXPECT_EQ(161, summary->GetNodeType());
     EXPECT_EQ("270 200", placeOf(summary));
     EXPECT_EQ("270 400", placeOf(summary->GetNext()->GetChild()));
+}
+
+TEST_F(FCMSPReader, ColumnsAreTheSameForEveryThread) {
+    ASSERT_TRUE(parseTasks(S));
+    std::thread([this] { EXPECT_TRUE(parseTasks(S)); }).join();
+    EXPECT_EQ("161 TS", outline(tree.get()));
+    EXPECT_THAT(placesOf(tree.get()), ElementsAre("270 200"));
 }
 
 TEST_F(FCMSPReader, KindAtTheIdentifierDecidesThePlace) {
@@ -831,6 +1003,29 @@ TEST_F(FCMSPReader, AHundredThousandTasksOnOneLine) {
     EXPECT_EQ(kCount, reader.GetTaskCount());
     EXPECT_EQ(static_cast<std::size_t>(kCount - 1), reader.GetFindings().size());
     EXPECT_EQ(kCount, reader.GetFindings().back().number);
+}
+
+TEST_F(FCMSPReader, AHundredThousandTasksOnOneLineFindTheirPlaces) {
+    constexpr int kCount = 100000;
+    constexpr int kGroup = 20000;
+    std::string tasks;
+    for (int number = 0; number < kCount; ++number) {
+        std::string const group = "G" + std::to_string(number / kGroup);
+        bool const isSummary = number % kGroup == 0;
+        tasks += task(std::to_string(number + 1), isSummary ? "1" : "0",
+                      isSummary ? group : group + "." + std::to_string(number));
+    }
+    ASSERT_TRUE(parseTasks(tasks));
+    EXPECT_EQ(kCount, reader.GetTaskCount());
+    EXPECT_THAT(reader.GetFindings(), IsEmpty());
+    IFCNode* const newest = tree->GetChild();
+    int inside = 0;
+    for (IFCNode* child = newest->GetChild(); child != nullptr; child = child->GetNext())
+        ++inside;
+    EXPECT_EQ(kGroup - 1, inside);
+    EXPECT_EQ("T100000", narrow(newest->GetChild()->GetNodeId()));
+    // The group's last task stands in the sixth row of the column behind 2856 full ones and the first task.
+    EXPECT_EQ("714270 1200", placeOf(newest->GetChild()));
 }
 
 } // namespace
