@@ -19,7 +19,12 @@ install(EXPORT FlowmereTargets NAMESPACE Flowmere:: DESTINATION "${package_dir}"
 configure_package_config_file(
     "${PROJECT_SOURCE_DIR}/cmake/FlowmereConfig.cmake.in" "${PROJECT_BINARY_DIR}/FlowmereConfig.cmake"
     INSTALL_DESTINATION "${package_dir}" NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/FlowmereConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+# The same promise as the library's name for the linker makes.
+set(compatibility SameMajorVersion)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(compatibility SameMinorVersion)
+endif()
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/FlowmereConfigVersion.cmake" COMPATIBILITY ${compatibility})
 install(FILES "${PROJECT_BINARY_DIR}/FlowmereConfig.cmake" "${PROJECT_BINARY_DIR}/FlowmereConfigVersion.cmake"
     DESTINATION "${package_dir}" COMPONENT development)
 
