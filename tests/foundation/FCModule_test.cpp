@@ -13,6 +13,8 @@
 
 #if defined(FLOWMERE_LIBRARY)
 #include <dlfcn.h>
+#include <elf.h>
+#include <link.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -133,6 +135,16 @@ protected:
             fail(dlerror());
         return handle;
     }
+    // Whether the file itself asks to stay loaded. A module may also stay by accident, for what it happens to define.
+    static bool isPinned(void* handle) {
+        link_map* map = nullptr;
+        if (dlinfo(handle, RTLD_DI_LINKMAP, &map) != 0)
+            fail(dlerror());
+        for (ElfW(Dyn) const* entry = map->l_ld; entry->d_tag != DT_NULL; ++entry)
+            if (entry->d_tag == DT_FLAGS_1)
+                return (entry->d_un.d_val & DF_1_NODELETE) != 0;
+        return false;
+    }
     static bool isLoaded(char const* path) { return dlopen(path, RTLD_NOW | RTLD_NOLOAD) != nullptr; }
     // What the module prints goes where death tests look.
     [[noreturn]] static void end(char const* what) {
@@ -168,6 +180,19 @@ TEST_F(LoadedModule, StaysWhenItIsClosed) {
             end("still present");
         },
         testing::ExitedWithCode(0), "^still present$");
+}
+
+TEST_F(LoadedModule, AsksToStay) {
+    for (bool const isPinnedModule : {true, false}) {
+        EXPECT_EXIT(
+            {
+                if (isPinned(load(isPinnedModule ? FLOWMERE_LIBRARY : FLOWMERE_UNPINNED_MODULE)) != isPinnedModule)
+                    fail("the mark in the file is not as it should be");
+                std::_Exit(0);
+            },
+            testing::ExitedWithCode(0), "^$")
+            << isPinnedModule;
+    }
 }
 
 TEST_F(LoadedModule, WithoutThePinWarnsWhenItIsClosed) {
