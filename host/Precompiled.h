@@ -2,7 +2,8 @@
 
 // Headers from outside that most of the program's sources use, compiled once: they cost more than the sources do.
 // Sources still include what they need.
-#include <CLI/CLI.hpp>
+#include "flowmere/Flowmere.h"
+
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 

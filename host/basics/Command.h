@@ -1,13 +1,9 @@
 #pragma once
 
-// What the commands of the program share: how they end, and how they are told to the command line.
+// What the commands of the program share: how they end.
 
 #include <stdexcept>
 #include <string>
-
-namespace CLI {
-class App;
-}
 
 namespace flowmere::host {
 
@@ -37,10 +33,5 @@ std::string errorLine(std::string const& file, std::string const& place, std::st
 struct Result {
     int exitCode = kExitWell;
 };
-
-// Each command has a file in host/commands/, with one function
-//     void addName(CLI::App& app, Result& result);
-// that adds the subcommand and its options to `app`, and gives it a callback that works and sets `result.exitCode`.
-// Options live in a std::shared_ptr that the callback holds. main() calls the function of each command once.
 
 } // namespace flowmere::host

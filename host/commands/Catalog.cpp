@@ -4,7 +4,6 @@
 #include "host/files/InputFile.h"
 #include "host/files/XmlFault.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -135,37 +134,37 @@ int show(CatalogKind const& kind, Options options) {
 
 } // namespace
 
-void addCatalog(CLI::App& app, Result& result) {
+void addCatalog(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App& command = *app.add_subcommand("catalog", "Show what the catalogs beside the processes hold");
-    command.require_subcommand(1);
+    Command const command = program.add("catalog", "Show what the catalogs beside the processes hold");
+    command.needCommand();
     command.footer("Example:\n"
                    "  flowmere catalog types --base /opt/processes");
     for (CatalogKind const& kind : catalogKinds()) {
-        CLI::App& shower = *command.add_subcommand(kind.name, kind.help);
+        Command const shower = command.add(kind.name, kind.help);
         bool const hasPlace = kind.commonPath != nullptr;
-        CLI::Option* const file = shower.add_option(
-            "FILE", options->file, hasPlace ? "The catalog; without it the one of the folders" : "The catalog");
-        file->required(!hasPlace);
-        CLI::Option* const base =
+        Option const file = shower.option("FILE", options->file,
+                                          hasPlace ? "The catalog; without it the one of the folders" : "The catalog");
+        file.required(!hasPlace);
+        Option const base =
             shower
-                .add_option("--base", options->base,
-                            hasPlace ? "The folder of the common catalogs; without FILE and folders the current one"
-                                     : "The folder of the common catalogs, which has none of this kind")
-                ->type_name("DIR");
-        CLI::Option* const user =
+                .option("--base", options->base,
+                        hasPlace ? "The folder of the common catalogs; without FILE and folders the current one"
+                                 : "The folder of the common catalogs, which has none of this kind")
+                .typeName("DIR");
+        Option const user =
             shower
-                .add_option("--user", options->user,
-                            kind.takesUser ? "The folder of the user's own catalogs"
-                                           : "The folder of the user's own catalogs, which has none of this kind")
-                ->type_name("DIR");
-        shower.add_flag("--json", options->json, "Print the same as JSON");
+                .option("--user", options->user,
+                        kind.takesUser ? "The folder of the user's own catalogs"
+                                       : "The folder of the user's own catalogs, which has none of this kind")
+                .typeName("DIR");
+        shower.flag("--json", options->json, "Print the same as JSON");
         shower.footer(fmt::format("Example:\n  flowmere catalog {} {}", kind.name, kind.example));
-        shower.callback([&kind, options, &result, file, base, user] {
+        shower.work([&kind, options, &result, file, base, user] {
             // A variable of a shell script that is not set must not stand for the current folder.
             for (auto const& [option, name] :
                  {std::pair(file, "catalog"), std::pair(base, "folder of --base"), std::pair(user, "folder of --user")})
-                if (option->count() != 0 && option->as<std::string>().empty())
+                if (option.count() != 0 && option.text().empty())
                     throw Failure("", "", fmt::format("the name of the {} is empty", name));
             result.exitCode = show(kind, *options);
         });

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere catalog types|files|mime|hints|help|manifest|favourites: what the side catalogs hold.
-void addCatalog(CLI::App& app, Result& result);
+void addCatalog(Command const& program, Result& result);
 
 } // namespace flowmere::host

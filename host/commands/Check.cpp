@@ -4,7 +4,6 @@
 #include "host/checks/Checks.h"
 #include "host/document/Document.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -121,30 +120,28 @@ int checkAll(Options const& options) {
 
 } // namespace
 
-void addCheck(CLI::App& app, Result& result) {
+void addCheck(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand("check", "Tell what is wrong with documents");
-    command->add_option("FILE", options->files, "The process documents and workflow folders")->required();
+    Command const command = program.add("check", "Tell what is wrong with documents");
+    command.option("FILE", options->files, "The process documents and workflow folders").required();
     command
-        ->add_option("--scripts", options->scripts,
-                     "A folder under which scripts are found; each document's own folder always is one")
-        ->type_name("DIR")
-        ->expected(1)
-        ->allow_extra_args(false)
-        ->take_all();
-    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
-    command->footer("A finding is a line FILE: PATH: RULE: MESSAGE. Scripts are compiled and never run.\n"
-                    "Rules: dead-link, link-loop, missing-connector-block, missing-file, duplicate-id,\n"
-                    "duplicate-variable, unreachable-block, decision-grip, missing-script, script-syntax,\n"
-                    "script-class, script-import, not-identifier.\n"
-                    "Workflows: start-state, unknown-target, state-transition, duplicate-node,\n"
-                    "slash-in-name, fork-names, fork-without-join, join-branches, no-task, script-event,\n"
-                    "event-type, priority, group-entry.\n"
-                    "Exit code: 0 nothing found, 1 something found, 2 a file cannot be read.\n"
-                    "\n"
-                    "Example:\n"
-                    "  flowmere check beam.xml plant.xml");
-    command->callback([options, &result] { result.exitCode = checkAll(*options); });
+        .option("--scripts", options->scripts,
+                "A folder under which scripts are found; each document's own folder always is one")
+        .typeName("DIR")
+        .repeated();
+    command.flag("--json", options->json, "Print one JSON document in place of the lines");
+    command.footer("A finding is a line FILE: PATH: RULE: MESSAGE. Scripts are compiled and never run.\n"
+                   "Rules: dead-link, link-loop, missing-connector-block, missing-file, duplicate-id,\n"
+                   "duplicate-variable, unreachable-block, decision-grip, missing-script, script-syntax,\n"
+                   "script-class, script-import, not-identifier.\n"
+                   "Workflows: start-state, unknown-target, state-transition, duplicate-node,\n"
+                   "slash-in-name, fork-names, fork-without-join, join-branches, no-task, script-event,\n"
+                   "event-type, priority, group-entry.\n"
+                   "Exit code: 0 nothing found, 1 something found, 2 a file cannot be read.\n"
+                   "\n"
+                   "Example:\n"
+                   "  flowmere check beam.xml plant.xml");
+    command.work([options, &result] { result.exitCode = checkAll(*options); });
 }
 
 } // namespace flowmere::host

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere check FILE...: what is wrong with documents.
-void addCheck(CLI::App& app, Result& result);
+void addCheck(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere completion bash|zsh|fish: a script by which a shell completes command lines.
-void addCompletion(CLI::App& app, Result& result);
+void addCompletion(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -7,7 +7,6 @@
 #include "host/document/Document.h"
 #include "host/document/Findings.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -98,20 +97,20 @@ int diff(Options const& options) {
 
 } // namespace
 
-void addDiff(CLI::App& app, Result& result) {
+void addDiff(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand("diff", "Tell what changed from one document to another");
-    command->add_option("A", options->first, "The process document or workflow folder as it was")->required();
-    command->add_option("B", options->second, "The process document or workflow folder as it is")->required();
-    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
-    command->footer("A line for each difference: + for what is in B alone, - for what is in A alone, > for what was\n"
-                    "moved, ~ for what has another value. Two documents that only differ in how they are written are\n"
-                    "the same.\n"
-                    "Exit code: 0 no difference, 1 some, 2 a file cannot be read.\n"
-                    "\n"
-                    "Example:\n"
-                    "  flowmere diff beam.xml beam-new.xml");
-    command->callback([options, &result] { result.exitCode = diff(*options); });
+    Command const command = program.add("diff", "Tell what changed from one document to another");
+    command.option("A", options->first, "The process document or workflow folder as it was").required();
+    command.option("B", options->second, "The process document or workflow folder as it is").required();
+    command.flag("--json", options->json, "Print one JSON document in place of the lines");
+    command.footer("A line for each difference: + for what is in B alone, - for what is in A alone, > for what was\n"
+                   "moved, ~ for what has another value. Two documents that only differ in how they are written are\n"
+                   "the same.\n"
+                   "Exit code: 0 no difference, 1 some, 2 a file cannot be read.\n"
+                   "\n"
+                   "Example:\n"
+                   "  flowmere diff beam.xml beam-new.xml");
+    command.work([options, &result] { result.exitCode = diff(*options); });
 }
 
 } // namespace flowmere::host

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere diff A B: what changed between two process documents.
-void addDiff(CLI::App& app, Result& result);
+void addDiff(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -6,7 +6,6 @@
 #include "host/drawing/Drawing.h"
 #include "host/files/SafeFile.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -81,21 +80,21 @@ int draw(Options const& options) {
 
 } // namespace
 
-void addDraw(CLI::App& app, Result& result) {
+void addDraw(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App& command = *app.add_subcommand("draw", "Draw the diagram of a document into a picture");
-    command.add_option("FILE", options->file, "The process document, or a workflow folder")->required();
-    command.add_option("-o,--out", options->out, "The picture; .svg, .png or .pdf at its end says what it becomes")
-        ->type_name("OUT")
-        ->required();
-    command.add_option("--depth", options->depth, "Draw sub-processes open so many levels down; 0 draws them closed")
-        ->type_name("N")
-        ->capture_default_str()
-        ->check(CLI::Range(0, kDeepest));
-    command.add_flag("--state", options->states, "Colour the blocks by their state in the last run, with a legend");
-    command.add_flag("--json", options->json, "Print what was drawn as JSON");
+    Command const command = program.add("draw", "Draw the diagram of a document into a picture");
+    command.option("FILE", options->file, "The process document, or a workflow folder").required();
+    command.option("-o,--out", options->out, "The picture; .svg, .png or .pdf at its end says what it becomes")
+        .typeName("OUT")
+        .required();
+    command.option("--depth", options->depth, "Draw sub-processes open so many levels down; 0 draws them closed")
+        .typeName("N")
+        .showDefault()
+        .range(0, kDeepest);
+    command.flag("--state", options->states, "Colour the blocks by their state in the last run, with a legend");
+    command.flag("--json", options->json, "Print what was drawn as JSON");
     command.footer("Example:\n  flowmere draw beam.xml -o beam.svg --depth 2");
-    command.callback([options, &result] { result.exitCode = draw(*options); });
+    command.work([options, &result] { result.exitCode = draw(*options); });
 }
 
 } // namespace flowmere::host

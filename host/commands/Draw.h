@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere draw FILE -o OUT: the diagram of a document as a picture.
-void addDraw(CLI::App& app, Result& result);
+void addDraw(Command const& program, Result& result);
 
 } // namespace flowmere::host

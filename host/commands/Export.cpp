@@ -8,7 +8,6 @@
 #include "host/workflow/Report.h"
 #include "host/workflow/ToWorkflow.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -131,35 +130,32 @@ int exportFolder(Options const& options) {
 
 } // namespace
 
-void addExport(CLI::App& app, Result& result) {
+void addExport(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("export", "Make a workflow folder of a document, for the workflow engine");
-    command->add_option("FILE", options->file, "The process document, or a workflow folder")->required();
-    command->add_option("DIR", options->folder, "The workflow folder to make")->required();
+    Command const command = program.add("export", "Make a workflow folder of a document, for the workflow engine");
+    command.option("FILE", options->file, "The process document, or a workflow folder").required();
+    command.option("DIR", options->folder, "The workflow folder to make").required();
     command
-        ->add_option("--application", options->applications,
-                     "A workflow folder of applications, which the workflow definition lists; may be given several "
-                     "times")
-        ->type_name("DIR")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        .option("--application", options->applications,
+                "A workflow folder of applications, which the workflow definition lists; may be given several "
+                "times")
+        .typeName("DIR")
+        .repeated();
     command
-        ->add_option("--scripts", options->scripts,
-                     "A folder in which scripts are found, besides that of the document; may be given several times")
-        ->type_name("DIR")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    command->add_flag("--force", options->force, "Replace a workflow folder that is there already, with all it holds");
-    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
-    command->footer(
+        .option("--scripts", options->scripts,
+                "A folder in which scripts are found, besides that of the document; may be given several times")
+        .typeName("DIR")
+        .repeated();
+    command.flag("--force", options->force, "Replace a workflow folder that is there already, with all it holds");
+    command.flag("--json", options->json, "Print one JSON document in place of the lines");
+    command.footer(
         "A line for each thing that is not the same in the folder: ~ for what is carried in another form,\n"
         "- for what is not carried, and why. The folder appears whole or not at all.\n"
         "Exit code: 0 nothing is lost, 1 the folder is written and something is lost, 2 nothing is written.\n"
         "\n"
         "Example:\n"
         "  flowmere export beam.xml BrindleExec/beam");
-    command->callback([options, &result] { result.exitCode = exportFolder(*options); });
+    command.work([options, &result] { result.exitCode = exportFolder(*options); });
 }
 
 } // namespace flowmere::host

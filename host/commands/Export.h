@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // "flowmere export": makes a workflow folder of a document.
-void addExport(CLI::App& app, Result& result);
+void addExport(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -8,7 +8,6 @@
 
 #include "flowmere/Flowmere.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
@@ -91,17 +90,17 @@ int format(Options const& options) {
 
 } // namespace
 
-void addFormat(CLI::App& app, Result& result) {
+void addFormat(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand("format", "Write an XML file anew, each element on a line of its own");
-    command->add_option("FILE", options->file, "The file, which stays as it is")->required();
-    command->add_flag("--json", options->json, "Print the path as JSON");
-    command->footer("The result stands beside the file: beam.xml gives beam.for, and any other name gets .for\n"
-                    "behind it. A result that is already there is replaced. Prints the path of the result.\n"
-                    "\n"
-                    "Example:\n"
-                    "  flowmere format beam.xml");
-    command->callback([options, &result] { result.exitCode = format(*options); });
+    Command const command = program.add("format", "Write an XML file anew, each element on a line of its own");
+    command.option("FILE", options->file, "The file, which stays as it is").required();
+    command.flag("--json", options->json, "Print the path as JSON");
+    command.footer("The result stands beside the file: beam.xml gives beam.for, and any other name gets .for\n"
+                   "behind it. A result that is already there is replaced. Prints the path of the result.\n"
+                   "\n"
+                   "Example:\n"
+                   "  flowmere format beam.xml");
+    command.work([options, &result] { result.exitCode = format(*options); });
 }
 
 } // namespace flowmere::host

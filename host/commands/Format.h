@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere format FILE: an XML file with each element on a line of its own, beside the file.
-void addFormat(CLI::App& app, Result& result);
+void addFormat(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -7,7 +7,6 @@
 #include "host/document/Tree.h"
 #include "host/files/SafeFile.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -262,27 +261,27 @@ private:
 
 } // namespace
 
-void addGenerate(CLI::App& app, Result& result) {
+void addGenerate(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand("generate", "Write the script files of each task block");
-    command->add_option("FILE", options->file, "The process document")->required();
+    Command const command = program.add("generate", "Write the script files of each task block");
+    command.option("FILE", options->file, "The process document").required();
     command
-        ->add_option("--out", options->out,
-                     "The folder for the scripts, made when it is missing; packages become folders in it")
-        ->required()
-        ->type_name("DIR");
-    command->add_flag("--keep-user-code", options->keepUserCode,
-                      "Leave the file with the user's code as it is where there is one");
-    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
-    command->footer("For a block Name: Name.py with the user's code, NameBlock.py with its variables, which is\n"
-                    "written anew each time, and __init__.py. Without --keep-user-code a Name.py that differs is\n"
-                    "kept as Name.py.bak.\n"
-                    "Exit code: 0 all went well, 1 a block was left out or has a name that is no Python name,\n"
-                    "2 a file cannot be read or written.\n"
-                    "\n"
-                    "Example:\n"
-                    "  flowmere generate beam.xml --out scripts --keep-user-code");
-    command->callback([options, &result] { result.exitCode = Generator(*options).work(); });
+        .option("--out", options->out,
+                "The folder for the scripts, made when it is missing; packages become folders in it")
+        .required()
+        .typeName("DIR");
+    command.flag("--keep-user-code", options->keepUserCode,
+                 "Leave the file with the user's code as it is where there is one");
+    command.flag("--json", options->json, "Print one JSON document in place of the lines");
+    command.footer("For a block Name: Name.py with the user's code, NameBlock.py with its variables, which is\n"
+                   "written anew each time, and __init__.py. Without --keep-user-code a Name.py that differs is\n"
+                   "kept as Name.py.bak.\n"
+                   "Exit code: 0 all went well, 1 a block was left out or has a name that is no Python name,\n"
+                   "2 a file cannot be read or written.\n"
+                   "\n"
+                   "Example:\n"
+                   "  flowmere generate beam.xml --out scripts --keep-user-code");
+    command.work([options, &result] { result.exitCode = Generator(*options).work(); });
 }
 
 } // namespace flowmere::host

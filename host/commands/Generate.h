@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere generate FILE --out DIR: the script files of each task block.
-void addGenerate(CLI::App& app, Result& result);
+void addGenerate(Command const& program, Result& result);
 
 } // namespace flowmere::host

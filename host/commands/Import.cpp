@@ -8,7 +8,6 @@
 #include "host/workflow/FromWorkflow.h"
 #include "host/workflow/Report.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -125,20 +124,20 @@ int importFolder(Options const& options) {
 
 } // namespace
 
-void addImport(CLI::App& app, Result& result) {
+void addImport(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand("import", "Make a document of a workflow folder");
-    command->add_option("DIR", options->folder, "The workflow folder, which stays as it is")->required();
-    command->add_option("OUT", options->out, "The process document to write")->required();
-    command->add_flag("--json", options->json, "Print one JSON document in place of the lines");
-    command->footer("A line for each thing that is not the same in the document: ~ for what is carried in another\n"
-                    "form, - for what is not carried or was passed over, and why. Scripts stay in the folder.\n"
-                    "Exit code: 0 nothing is lost, 1 the document is written and something is lost, 2 nothing is\n"
-                    "written.\n"
-                    "\n"
-                    "Example:\n"
-                    "  flowmere import BrindleExec/beam beam-back.xml");
-    command->callback([options, &result] { result.exitCode = importFolder(*options); });
+    Command const command = program.add("import", "Make a document of a workflow folder");
+    command.option("DIR", options->folder, "The workflow folder, which stays as it is").required();
+    command.option("OUT", options->out, "The process document to write").required();
+    command.flag("--json", options->json, "Print one JSON document in place of the lines");
+    command.footer("A line for each thing that is not the same in the document: ~ for what is carried in another\n"
+                   "form, - for what is not carried or was passed over, and why. Scripts stay in the folder.\n"
+                   "Exit code: 0 nothing is lost, 1 the document is written and something is lost, 2 nothing is\n"
+                   "written.\n"
+                   "\n"
+                   "Example:\n"
+                   "  flowmere import BrindleExec/beam beam-back.xml");
+    command.work([options, &result] { result.exitCode = importFolder(*options); });
 }
 
 } // namespace flowmere::host

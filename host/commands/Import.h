@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // "flowmere import": makes a document of a workflow folder.
-void addImport(CLI::App& app, Result& result);
+void addImport(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -8,7 +8,6 @@
 
 #include "flowmere/Flowmere.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -545,21 +544,17 @@ int merge(Options const& options) {
 
 // --- The command line ----------------------------------------------------------------------------------------------
 
-void addFolderOptions(CLI::App& command, Options& options) {
-    command.add_flag("--bpm", options.bpm, "The list of BPM processes, BPMProcess.lst, in place of process.lst");
-    command.add_option("--base", options.base, "The folder of the common lists")->type_name("DIR");
-    command.add_option("--user", options.user, "The folder of the user's own lists")->type_name("DIR");
-    command.add_flag("--json", options.json, "Print one JSON document in place of the lines");
-}
-
-// What the command does, once its folders have names: a variable of a shell script that is not set must not stand for
-// the current one.
-void setWork(CLI::App& command, Result& result, std::shared_ptr<Options> const& options,
+// The options that all share, and the work once they are known.
+void addWork(Command const& command, Result& result, std::shared_ptr<Options> const& options,
              int (*work)(Options const& options)) {
-    command.callback([&command, &result, options, work] {
-        for (char const* const name : {"--base", "--user"})
-            if (CLI::Option const* const option = command.get_option(name);
-                option->count() != 0 && option->as<std::string>().empty())
+    command.flag("--bpm", options->bpm, "The list of BPM processes, BPMProcess.lst, in place of process.lst");
+    Option const base = command.option("--base", options->base, "The folder of the common lists").typeName("DIR");
+    Option const user = command.option("--user", options->user, "The folder of the user's own lists").typeName("DIR");
+    command.flag("--json", options->json, "Print one JSON document in place of the lines");
+    // A variable of a shell script that is not set must not stand for the current folder.
+    command.work([&result, options, work, base, user] {
+        for (auto const& [option, name] : {std::pair(base, "--base"), std::pair(user, "--user")})
+            if (option.count() != 0 && option.text().empty())
                 throw Failure("", "", fmt::format("the name of the folder of {} is empty", name));
         result.exitCode = work(*options);
     });
@@ -567,10 +562,10 @@ void setWork(CLI::App& command, Result& result, std::shared_ptr<Options> const& 
 
 } // namespace
 
-void addLibrary(CLI::App& app, Result& result) {
+void addLibrary(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App& command = *app.add_subcommand("library", "List the process library, enter processes and merge lists");
-    command.require_subcommand(1);
+    Command const command = program.add("library", "List the process library, enter processes and merge lists");
+    command.needCommand();
     command.footer(
         "The lists are process.lst and, with --bpm, BPMProcess.lst: a common one in the folder --base, and the\n"
         "user's own in the folder --user.\n"
@@ -578,49 +573,43 @@ void addLibrary(CLI::App& app, Result& result) {
         "Example:\n"
         "  flowmere library list --base /opt/processes --user ~/processes");
 
-    CLI::App& lister = *command.add_subcommand("list", "List the groups and processes of both lists as one");
-    addFolderOptions(lister, *options);
+    Command const lister = command.add("list", "List the groups and processes of both lists as one");
+    addWork(lister, result, options, list);
     lister.footer("A line for each entry, with its file and with the list that it comes from. Without --base and\n"
                   "--user the list lies in the current folder.\n"
                   "\n"
                   "Example:\n"
                   "  flowmere library list --bpm --base /opt/processes --user ~/processes");
-    setWork(lister, result, options, list);
 
-    CLI::App& shower = *command.add_subcommand("show", "Show one entry, and whether its file exists");
-    shower.add_option("NAME", options->wanted, "Its path (Group.Name), or its name where only one entry has it")
-        ->required();
-    addFolderOptions(shower, *options);
+    Command const shower = command.add("show", "Show one entry, and whether its file exists");
+    shower.option("NAME", options->wanted, "Its path (Group.Name), or its name where only one entry has it").required();
+    addWork(shower, result, options, show);
     shower.footer("Example:\n"
                   "  flowmere library show Design.Beam --base /opt/processes");
-    setWork(shower, result, options, show);
 
-    CLI::App& adder = *command.add_subcommand("add", "Enter a process into the user's list");
-    adder.add_option("FILE", options->file, "The process document")->required();
+    Command const adder = command.add("add", "Enter a process into the user's list");
+    adder.option("FILE", options->file, "The process document").required();
     adder
-        .add_option("--group", options->group,
-                    "The groups that it stands in, as Design.Welds; those that are missing are made")
-        ->type_name("NAME");
-    adder.add_option("--name", options->name, "Its name in the list, in place of that of the process or of the file")
-        ->type_name("NAME");
-    addFolderOptions(adder, *options);
+        .option("--group", options->group,
+                "The groups that it stands in, as Design.Welds; those that are missing are made")
+        .typeName("NAME");
+    adder.option("--name", options->name, "Its name in the list, in place of that of the process or of the file")
+        .typeName("NAME");
+    addWork(adder, result, options, add);
     adder.footer("Only the list in the --user folder is written. With --base the common list is looked into, so that\n"
                  "no name is given twice. A file below the --user folder is entered by its path from there.\n"
                  "\n"
                  "Example:\n"
                  "  flowmere library add beam.bpt --group Design --user ~/processes");
-    setWork(adder, result, options, add);
 
-    CLI::App& merger = *command.add_subcommand("merge", "Merge two lists into a file");
+    Command const merger = command.add("merge", "Merge two lists into a file");
     merger
-        .add_option("LIST", options->lists,
-                    "The list that is merged into, and the one that it takes in; without them "
-                    "the lists of --base and --user")
-        ->expected(0, 2);
-    merger.add_option("-o,--out", options->out, "The file to write; it may be one of the two")
-        ->type_name("OUT")
-        ->required();
-    addFolderOptions(merger, *options);
+        .option("LIST", options->lists,
+                "The list that is merged into, and the one that it takes in; without them "
+                "the lists of --base and --user")
+        .words(0, 2);
+    merger.option("-o,--out", options->out, "The file to write; it may be one of the two").typeName("OUT").required();
+    addWork(merger, result, options, merge);
     merger.footer(
         "Entries meet by their names. A process in both lists keeps file and version of the first, takes id and\n"
         "check-out of the second, and is out of date when the second has a higher version.\n"
@@ -628,7 +617,6 @@ void addLibrary(CLI::App& app, Result& result) {
         "Example:\n"
         "  flowmere library merge common.lst mine.lst -o all.lst\n"
         "  flowmere library merge --base /opt/processes --user ~/processes -o all.lst");
-    setWork(merger, result, options, merge);
 }
 
 } // namespace flowmere::host

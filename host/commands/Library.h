@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere library list|show|add|merge: the lists of the process library.
-void addLibrary(CLI::App& app, Result& result);
+void addLibrary(Command const& program, Result& result);
 
 } // namespace flowmere::host

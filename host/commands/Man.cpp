@@ -6,7 +6,6 @@
 
 #include "flowmere/Flowmere.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
@@ -53,8 +52,8 @@ void writePages(CommandText const& program, std::string const& folder) {
         write(command);
 }
 
-int show(CLI::App const& app, Options const& options) {
-    CommandText const program = commandText(app);
+int show(Command const& all, Options const& options) {
+    CommandText const program = all.text();
     CommandText const& command = pageOf(program, options.command);
     if (!options.folder.empty())
         writePages(program, options.folder);
@@ -65,20 +64,19 @@ int show(CLI::App const& app, Options const& options) {
 
 } // namespace
 
-void addMan(CLI::App& app, Result& result) {
+void addMan(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand("man", "Print a man page, made from the texts of --help");
-    command->add_option("COMMAND", options->command, "The command; the program itself when there is none");
-    CLI::Option* const json =
-        command->add_flag("--json", options->json, "Print commands, options and their texts as JSON");
-    command->add_option("--all", options->folder, "Write the pages of the program and of all commands into a folder")
-        ->type_name("DIR")
-        ->excludes(json);
-    command->footer("The page is text for man and groff. Pages of an installed program are found by man itself.\n"
-                    "\n"
-                    "Example:\n"
-                    "  flowmere man run | man -l -");
-    command->callback([&app, options, &result] { result.exitCode = show(app, *options); });
+    Command const command = program.add("man", "Print a man page, made from the texts of --help");
+    command.option("COMMAND", options->command, "The command; the program itself when there is none");
+    Option const json = command.flag("--json", options->json, "Print commands, options and their texts as JSON");
+    command.option("--all", options->folder, "Write the pages of the program and of all commands into a folder")
+        .typeName("DIR")
+        .excludes(json);
+    command.footer("The page is text for man and groff. Pages of an installed program are found by man itself.\n"
+                   "\n"
+                   "Example:\n"
+                   "  flowmere man run | man -l -");
+    command.work([program, options, &result] { result.exitCode = show(program, *options); });
 }
 
 } // namespace flowmere::host

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere man [COMMAND]: the man page of the program, or of a command.
-void addMan(CLI::App& app, Result& result);
+void addMan(Command const& program, Result& result);
 
 } // namespace flowmere::host

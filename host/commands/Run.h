@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere run FILE: runs the process of a document block by block.
-void addRun(CLI::App& app, Result& result);
+void addRun(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -5,7 +5,6 @@
 #include "host/shell/LineSource.h"
 #include "host/shell/Shell.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <cstddef>
@@ -128,34 +127,34 @@ int work(Options const& options) {
 
 } // namespace
 
-void addShell(CLI::App& app, Result& result) {
+void addShell(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand(
+    Command const command = program.add(
         "shell",
         "Take the named commands of a process, typed on a terminal or from a script: open, run, stop, undo, save");
-    command->add_option("FILE", options->file, "A process document to open first");
-    auto const repeated = [](CLI::Option* option) {
-        return option->expected(1)->allow_extra_args(false)->take_all();
-    };
-    repeated(command->add_option("-c,--command", options->lines,
-                                 "Do this command in place of standard input's; may be given several times"))
-        ->type_name("COMMAND");
-    repeated(command->add_option("--scripts", options->scriptRoots,
-                                 "A folder under which scripts are found; the document's own folder always is one"))
-        ->type_name("DIR");
-    command->add_flag(
-        "--debug", options->debugs,
-        "Let blocks with a break point open Python's debugger, which is typed at on a terminal; with -c it "
-        "reads standard input");
-    command->add_flag("--keep-going", options->goesOn, "Go on after a command of a script that fails");
-    command->add_flag("--json", options->isJson, "Print one line of JSON for each command in place of its text");
-    command->footer(
+    command.option("FILE", options->file, "A process document to open first");
+    command
+        .option("-c,--command", options->lines,
+                "Do this command in place of standard input's; may be given several times")
+        .repeated()
+        .typeName("COMMAND");
+    command
+        .option("--scripts", options->scriptRoots,
+                "A folder under which scripts are found; the document's own folder always is one")
+        .repeated()
+        .typeName("DIR");
+    command.flag("--debug", options->debugs,
+                 "Let blocks with a break point open Python's debugger, which is typed at on a terminal; with -c it "
+                 "reads standard input");
+    command.flag("--keep-going", options->goesOn, "Go on after a command of a script that fails");
+    command.flag("--json", options->isJson, "Print one line of JSON for each command in place of its text");
+    command.footer(
         "A line is the name of a command and its arguments; quotes keep blanks together, # begins a comment.\n"
         "Say help for all commands. A script ends at the first command that fails.\n"
         "\n"
         "Example:\n"
         "  flowmere shell beam.xml -c 'Stop At Check' -c 'Execution Begin' -c 'Save Project As out.xml'");
-    command->callback([options, &result] { result.exitCode = work(*options); });
+    command.work([options, &result] { result.exitCode = work(*options); });
 }
 
 } // namespace flowmere::host

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere shell: the named commands of the process execution, typed or read from a script.
-void addShell(CLI::App& app, Result& result);
+void addShell(Command const& program, Result& result);
 
 } // namespace flowmere::host

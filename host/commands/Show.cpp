@@ -6,7 +6,6 @@
 #include "host/document/Tree.h"
 #include "host/document/WorkflowFacts.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -351,22 +350,21 @@ int show(Options const& options) {
 
 } // namespace
 
-void addShow(CLI::App& app, Result& result) {
+void addShow(Command const& program, Result& result) {
     auto const options = std::make_shared<Options>();
-    CLI::App& command = *app.add_subcommand("show", "Show the tree of a document, with its variables and their values");
-    command.add_option("FILE", options->file, "The process document, or a workflow folder")->required();
+    Command const command = program.add("show", "Show the tree of a document, with its variables and their values");
+    command.option("FILE", options->file, "The process document, or a workflow folder").required();
     command
-        .add_option("--scripts", options->scripts,
-                    "A folder in which scripts are found, besides that of the document; may be given several times")
-        ->type_name("DIR")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    command.add_flag("--json", options->json, "Print the same as JSON");
+        .option("--scripts", options->scripts,
+                "A folder in which scripts are found, besides that of the document; may be given several times")
+        .typeName("DIR")
+        .repeated();
+    command.flag("--json", options->json, "Print the same as JSON");
     command.footer("Behind <- stands the path that a variable links to; its value is the one at the end of the links.\n"
                    "\n"
                    "Example:\n"
                    "  flowmere show beam.xml --scripts library");
-    command.callback([options, &result] { result.exitCode = show(*options); });
+    command.work([options, &result] { result.exitCode = show(*options); });
 }
 
 } // namespace flowmere::host

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 
 namespace flowmere::host {
 
 // flowmere show FILE: the tree of a document, with its variables and their values.
-void addShow(CLI::App& app, Result& result);
+void addShow(Command const& program, Result& result);
 
 } // namespace flowmere::host

@@ -1,6 +1,5 @@
 #include "host/help/HelpPages.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -13,93 +12,6 @@
 namespace flowmere::host {
 
 namespace {
-
-// "{svg,png}", as validators tell it, or "svg|png".
-std::vector<std::string> choicesIn(std::string const& type) {
-    std::string words;
-    char separator = ',';
-    auto const begin = type.find('{');
-    auto const end = type.find('}');
-    if (begin != std::string::npos && end != std::string::npos && begin < end) {
-        words = type.substr(begin + 1, end - begin - 1);
-    } else if (type.find('|') != std::string::npos && type.find_first_of(" .=[") == std::string::npos) {
-        words = type;
-        separator = '|';
-    } else {
-        return {};
-    }
-    std::vector<std::string> choices;
-    for (std::size_t at = 0; at <= words.size();) {
-        std::size_t const next = std::min(words.find(separator, at), words.size());
-        // A table of names and values tells both.
-        std::string const word = words.substr(at, next - at);
-        if (std::string const name = word.substr(0, word.find("->")); !name.empty())
-            choices.push_back(name);
-        at = next + 1;
-    }
-    return choices;
-}
-
-// The name of a value says what a shell may put there.
-ValueKind kindOf(std::string const& value, bool isArgument) {
-    constexpr std::array<std::string_view, 9> kOthers = {"N",     "SECONDS", "BLOCK", "PATH=VALUE", "NAME",
-                                                         "TITLE", "LINE",    "ID",    "TEXT"};
-    constexpr std::array<std::string_view, 5> kNumbers = {"INT", "UINT", "FLOAT", "NUMBER", "DOUBLE"};
-    std::string_view name = value;
-    if (name == "DIR" || name == "FOLDER")
-        return ValueKind::Folder;
-    if (name == "COMMAND")
-        return isArgument ? ValueKind::Command : ValueKind::Other;
-    auto const isOneOf = [&](auto const& names) {
-        return std::find(names.begin(), names.end(), name) != names.end();
-    };
-    return isOneOf(kOthers) || isOneOf(kNumbers) ? ValueKind::Other : ValueKind::File;
-}
-
-OptionText optionText(CLI::Option const& option) {
-    OptionText text;
-    for (std::string const& name : option.get_snames())
-        text.names.push_back("-" + name);
-    for (std::string const& name : option.get_lnames())
-        text.names.push_back("--" + name);
-    bool const isArgument = text.names.empty();
-    text.description = option.get_description();
-    text.isRequired = option.get_required();
-    bool const isFlag = option.get_items_expected_max() == 0;
-    std::string const type = option.get_type_name();
-    text.isRepeated = option.get_items_expected_max() > 1 ||
-                      (!isFlag && option.get_multi_option_policy() == CLI::MultiOptionPolicy::TakeAll);
-    if (isFlag)
-        return text;
-    text.choices = choicesIn(type);
-    // A word of choices tells more by its list than by its type.
-    if (isArgument)
-        text.value = option.get_name(true);
-    else if (!text.choices.empty() && type.find('{') != std::string::npos)
-        text.value = fmt::format("{}", fmt::join(text.choices, "|"));
-    else
-        text.value = type.substr(0, type.find(':'));
-    text.kind = text.choices.empty() ? kindOf(text.value, isArgument) : ValueKind::Choice;
-    return text;
-}
-
-CommandText commandText(CLI::App const& app, std::vector<std::string> words) {
-    CommandText text;
-    words.push_back(app.get_name());
-    text.words = std::move(words);
-    text.description = app.get_description();
-    text.footer = app.get_footer();
-    for (CLI::Option const* const option : app.get_options()) {
-        if (option->get_group().empty())
-            continue;
-        OptionText entry = optionText(*option);
-        (entry.names.empty() ? text.arguments : text.options).push_back(std::move(entry));
-    }
-    for (CLI::App const* const command : app.get_subcommands([](CLI::App const*) { return true; }))
-        if (!command->get_name().empty() && !command->get_group().empty())
-            text.commands.push_back(commandText(*command, text.words));
-    return text;
-}
 
 // Text of a page. What roff would take for its own is written out.
 std::string roff(std::string_view text) {
@@ -424,16 +336,6 @@ std::string usageOf(CommandText const& command) {
     return line + (command.commands.empty() ? "\n" : " COMMAND\n");
 }
 
-class HelpFormatter : public CLI::FormatterBase {
-public:
-    std::string make_help(CLI::App const* app, std::string, CLI::AppFormatMode) const override {
-        std::vector<std::string> words;
-        for (CLI::App const* above = app->get_parent(); above != nullptr; above = above->get_parent())
-            words.insert(words.begin(), above->get_name());
-        return helpText(commandText(*app, words));
-    }
-};
-
 } // namespace
 
 std::string helpText(CommandText const& command) {
@@ -460,16 +362,8 @@ std::string helpText(CommandText const& command) {
     return out;
 }
 
-void useHelpText(CLI::App& app) {
-    app.formatter(std::make_shared<HelpFormatter>());
-}
-
 std::string CommandText::line() const {
     return joined(words, " ");
-}
-
-CommandText commandText(CLI::App const& app) {
-    return commandText(app, {});
 }
 
 std::string manPage(CommandText const& program, CommandText const& command, std::string_view version) {

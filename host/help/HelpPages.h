@@ -8,10 +8,6 @@
 #include <string_view>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace flowmere::host {
 
 // What stands behind an option, or in the place of an argument.
@@ -48,13 +44,8 @@ struct CommandText {
     std::string line() const; // the words with blanks
 };
 
-// All that the program's help tells. Its own commands must all have been added.
-CommandText commandText(CLI::App const& app);
-
 // What --help shows.
 std::string helpText(CommandText const& command);
-// Makes --help of the program and of all its commands show that; for the program, before commands are added.
-void useHelpText(CLI::App& app);
 
 // The man page of the program, or of one of its commands with all below that, as roff. Pages name each other; the
 // version stands in the foot line.

@@ -2,6 +2,7 @@
 #include "Program.h"
 
 #include "host/basics/Command.h"
+#include "host/help/CommandLine.h"
 #include "host/help/HelpPages.h"
 
 #include <CLI/CLI.hpp>
