@@ -561,6 +561,9 @@ INSTANTIATE_TEST_SUITE_P(
         FindingRow{"BrokenDate", task("1", "1", "1", "<Start>soon</Start>"), {"1 6 1|1||soon"}},
         FindingRow{"HalfADate", task("1", "1", "1", "<Finish>2024-03-05</Finish>"), {"1 6 1|1||2024-03-05"}},
         FindingRow{"WholeDate", task("1", "1", "1", "<Start>2024-03-05T08:00:00</Start><Finish> </Finish>"), {}},
+        FindingRow{"DateBehindAnInnerTask",
+                   task("1", "1", "1", task("2", "1", "2") + "<Start>soon</Start>"),
+                   {"1 6 1|1||soon"}},
         FindingRow{"TwoPredecessors",
                    task("1", "1", "1",
                         "<PredecessorLink><PredecessorUID>7</PredecessorUID></PredecessorLink><PredecessorLink>"
@@ -592,15 +595,18 @@ TEST_F(FCMSPReader, TellsWhichElementHasAValueOfNoUse) {
 }
 
 TEST_F(FCMSPReader, DoesNotFreeTheNodeOfATaskThatIsLeftOut) {
-    ASSERT_TRUE(parseTasks(S + task("1", "0", "4.1")));
-    ASSERT_EQ(1U, reader.GetFindings().size());
-    IFCNode* const node = reader.GetFindings()[0].node;
-    ASSERT_NE(nullptr, node);
-    EXPECT_EQ(node, CFCNodeManager::GetNode(node->GetNodeHandle()));
-    EXPECT_EQ(150, node->GetNodeType());
-    EXPECT_EQ(nullptr, node->GetParentNode());
-    EXPECT_EQ("", narrow(node->GetNodeId()));
-    EXPECT_EQ("", narrow(node->GetBPMBlockData()->GetUID()));
+    // Where no task at all has been taken, and where the newest is another.
+    ASSERT_TRUE(parseTasks(task("1", "0", "4.1") + S + task("2", "0", "4.1")));
+    ASSERT_EQ(2U, reader.GetFindings().size());
+    for (Finding const& finding : reader.GetFindings()) {
+        IFCNode* const node = finding.node;
+        ASSERT_NE(nullptr, node);
+        EXPECT_EQ(node, CFCNodeManager::GetNode(node->GetNodeHandle()));
+        EXPECT_EQ(150, node->GetNodeType());
+        EXPECT_EQ(nullptr, node->GetParentNode());
+        EXPECT_EQ("", narrow(node->GetNodeId()));
+        EXPECT_EQ("", narrow(node->GetBPMBlockData()->GetUID()));
+    }
 }
 
 TEST_F(FCMSPReader, ForgetsTheFindingsOfAnEarlierFile) {
