@@ -19,6 +19,7 @@ build_packages=(
 check_packages=(
     clang-14 clang-format-14 llvm-14 libclang-rt-14-dev
     libgtest-dev libgmock-dev groff-base
+    dpkg-dev fakeroot file lintian
 )
 bench_packages=(libbenchmark-dev)
 
