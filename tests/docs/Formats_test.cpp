@@ -965,6 +965,73 @@ TEST(Formats, ExamplesHaveNothingThatTheTablesDoNot) {
     EXPECT_GT(count, 12);
 }
 
+// --- Numbers and links ---------------------------------------------------------------------------------------
+
+TEST(Formats, TheBoundsAreThoseOfTheSources) {
+    struct Bound {
+        char const* file;
+        char const* constant;
+        char const* told; // "#" stands for the number
+    };
+    static constexpr Bound kBounds[] = {
+        {"xml/XmlPlatform.h", "kMaxElementDepth", "| depth of elements | # |"},
+        {"xml/XmlPlatform.cpp", "kMaxAttributes", "| attributes of an element | # |"},
+        {"xml/XmlPlatform.cpp", "kMaxNames", "| different names | # |"},
+        {"xml/XmlPlatform.cpp", "kMaxEntityExpansions", "| expansions of entities | #,"},
+        {"xml/XmlPlatform.cpp", "kBytesPerEntityExpansion", "one for each # bytes of the file"},
+        {"xml/XmlPlatform.cpp", "kMaxEntityLength", "| length of an entity | # characters"},
+        {"xml/XmlPlatform.cpp", "kMaxEntityLengthBesideAttributeLists", "; # where the document type lists"},
+        {"xml/XmlPlatform.cpp", "kMaxParameterEntityLength", ", # for a parameter entity"},
+        {"xml/XmlPlatform.cpp", "kVolumePerByte", "and # more for each byte of the file"},
+        {"xml/XmlPlatform.cpp", "kMemoryPerByte", "and # bytes more for each byte of the file"},
+        {"persistence/FCReader.cpp", "kMaxOpenLinks", "at most # deep"},
+        {"persistence/FCReader.cpp", "kMaxLinks", "and # in one read"},
+        {"persistence/FCReader.cpp", "kOldStartHandle", "Below 1 the grips are # and"},
+        {"workflow/FCProcessDefinitionReader.cpp", "kMaxOpenFiles", "At most # folders are open"},
+        {"workflow/FCProcessDefinitionReader.cpp", "kMaxRepeats", ", # are read again"},
+        {"workflow/FCProcessDefinitionReader.cpp", "kMaxLevels", "nest up to # levels"},
+        {"workflow/FCProcessDefinitionReader.cpp", "kDefaultInport",
+         "| `inport` | integer, the grip at the start | "
+         "`WriteTransitions` | `loadTransition` | # |"},
+        {"workflow/FCProcessDefinitionReader.cpp", "kDefaultOutport",
+         "| `outport` | integer, the grip at the end | "
+         "`WriteTransitions` | `loadTransition` | # |"},
+        {"model/FCActionData.h", "kPointCount", "and so does the #th"},
+    };
+    // Lines of a paragraph are of no matter.
+    std::string page = pageText();
+    std::replace(page.begin(), page.end(), '\n', ' ');
+    for (Bound const& bound : kBounds) {
+        SCOPED_TRACE(bound.constant);
+        std::string const source = readFile(top() / "flowmere" / bound.file);
+        std::smatch match;
+        ASSERT_TRUE(std::regex_search(source, match,
+                                      std::regex(std::string(bound.constant) + R"re( = (0x[0-9A-Fa-f]+|[0-9]+);)re")));
+        std::string told = bound.told;
+        told.replace(told.find('#'), 1, std::to_string(std::stol(match[1].str(), nullptr, 0)));
+        EXPECT_NE(page.find(told), std::string::npos) << told;
+    }
+}
+
+TEST(Formats, LinksInsideThePageLeadToItsSections) {
+    std::string const page = pageText();
+    Names anchors;
+    for (Section const& section : parsePage(page)) {
+        std::string anchor;
+        for (char const c : section.title)
+            if (c == ' ')
+                anchor += '-';
+            else if (std::isalnum(static_cast<unsigned char>(c)) != 0)
+                anchor += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        anchors.insert(anchor);
+    }
+    std::regex const form(R"re(\]\(#([^)]*)\))re");
+    int count = 0;
+    for (std::sregex_iterator match(page.begin(), page.end(), form), end; match != end; ++match, ++count)
+        EXPECT_THAT(anchors, Contains((*match)[1].str()));
+    EXPECT_GT(count, 20);
+}
+
 // --- The journal ---------------------------------------------------------------------------------------------
 
 namespace {
