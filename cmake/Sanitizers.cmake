@@ -6,4 +6,12 @@ if(FLOWMERE_SANITIZE)
     add_compile_options(
         -fsanitize=${FLOWMERE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -fno-optimize-sibling-calls)
     add_link_options(-fsanitize=${FLOWMERE_SANITIZE})
+    # A program with sanitizers is large, and the usual linker takes many times as long.
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        include(CheckLinkerFlag)
+        check_linker_flag(CXX -fuse-ld=lld FLOWMERE_HAS_LLD)
+        if(FLOWMERE_HAS_LLD)
+            add_link_options(-fuse-ld=lld)
+        endif()
+    endif()
 endif()

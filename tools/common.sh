@@ -17,7 +17,7 @@ build_packages=(
     libcairo2-dev libpango1.0-dev libpng-dev libglib2.0-dev libedit-dev
 )
 check_packages=(
-    clang-14 clang-format-14 llvm-14 libclang-rt-14-dev
+    clang-14 lld-14 clang-format-14 llvm-14 libclang-rt-14-dev
     libgtest-dev libgmock-dev groff-base
     dpkg-dev fakeroot file lintian
 )
