@@ -105,6 +105,45 @@ Values applicationNumber(IFCNode& node, CFCBPMBlockData&) {
                                                                    : fmt::format("{}", application->GetAppID())};
 }
 
+// What an application is started with, in its order.
+Values argumentsOf(IFCNode& node, CFCBPMBlockData&) {
+    Values texts;
+    auto* const application = dynamic_cast<CFCApplicationNode*>(&node);
+    if (application == nullptr)
+        return texts;
+    CFCArgumentList& list = *application->GetArgumentList();
+    for (__FCPOSITION* place = list.GetHeadPosition(); place != nullptr;)
+        if (CFCArgumentData* const argument = list.GetNext(place))
+            texts.push_back(fmt::format("{}: {}", argument->GetArgumentIndex(), utf8(argument->GetArgumentValue())));
+    return texts;
+}
+
+// Each with the values that it brings of its own.
+Values deploymentsOf(IFCNode& node, CFCBPMBlockData&) {
+    Values texts;
+    auto* const application = dynamic_cast<CFCApplicationNode*>(&node);
+    if (application == nullptr)
+        return texts;
+    CFCDeploymentList& list = *application->GetDeploymentList();
+    for (__FCPOSITION* place = list.GetHeadPosition(); place != nullptr;) {
+        auto* const deployment = dynamic_cast<CFCDeploymentData*>(list.GetNextNode(place));
+        if (deployment == nullptr)
+            continue;
+        std::string text = utf8(deployment->GetNodeCaption());
+        CFCVariableList& variables = *deployment->GetVariableList();
+        char const* between = ": ";
+        for (__FCPOSITION* at = variables.GetHeadPosition(); at != nullptr;) {
+            auto* const variable = dynamic_cast<CFCVariableData*>(variables.GetNextNode(at));
+            if (variable == nullptr)
+                continue;
+            text += fmt::format("{}{}={}", between, utf8(variable->GetVariableName()), utf8(variable->GetValue()));
+            between = ", ";
+        }
+        texts.push_back(std::move(text));
+    }
+    return texts;
+}
+
 // Those that say more than which node leads to which.
 Values transitionsOf(IFCNode& node, CFCBPMBlockData& task) {
     Values texts;
@@ -151,6 +190,8 @@ constexpr WorkflowFact kFacts[] = {
     {"user data overridden", Form::Flag, flagOf<&Task::GetUserDataOverriden>},
     {"application version", Form::Number, numberOf<&Task::GetAppVersion>},
     {"application number", Form::Number, applicationNumber},
+    {"arguments", Form::List, argumentsOf},
+    {"deployments", Form::List, deploymentsOf},
     {"hierarchy path", Form::Text, hierarchyPath},
     {"most rounds", Form::Number, numberOf<&Task::GetMaxIterations>},
     {"requirements", Form::Text, fileOf<&Task::GetRequirementDoc>},

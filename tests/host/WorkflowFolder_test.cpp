@@ -3,6 +3,7 @@
 
 #include "host/basics/Command.h"
 #include "host/document/Document.h"
+#include "host/document/HostFactory.h"
 #include "host/document/Tree.h"
 #include "host/document/WorkflowFacts.h"
 #include "host/document/WorkflowFolder.h"
@@ -332,6 +333,34 @@ TEST(WorkflowFolder, WhatEveryNewNodeHasIsOnlyShownOfTasks) {
     EXPECT_EQ(shown(), "swimlane=clerk effort=3 ");
     node.SetTaskName(L"T");
     EXPECT_EQ(shown(), "task=T priority=normal swimlane=clerk effort=3 estimated effort=8 duration=1 ");
+}
+
+TEST(WorkflowFolder, AnApplicationTellsItsArgumentsAndDeployments) {
+    NodeTree const tree(new CFCApplicationNode);
+    auto& node = dynamic_cast<CFCApplicationNode&>(*tree);
+    auto const shown = [&](std::string_view name) {
+        for (WorkflowFact const& fact : workflowFacts())
+            if (fact.name == name)
+                return fact.shown(node, node);
+        return std::vector<std::string>{"there is no such fact"};
+    };
+    EXPECT_THAT(shown("arguments"), IsEmpty());
+    EXPECT_THAT(shown("deployments"), IsEmpty());
+    for (int const index : {1, 2}) {
+        CFCArgumentData& argument = *node.CreateNewArgument();
+        argument.SetArgumentIndex(index);
+        argument.SetArgumentValue(index == 1 ? L"-batch" : L"$Input");
+    }
+    CFCDeploymentData& cluster = *node.CreateNewDeployment();
+    cluster.SetNodeCaption(L"cluster");
+    for (auto const& [name, value] : {std::pair(L"Path", L"/opt/solver"), std::pair(L"Executable", L"solve")}) {
+        CFCVariableData& variable = *cluster.CreateNewVariable();
+        variable.SetVariableName(name);
+        variable.SetValue(value);
+    }
+    node.CreateNewDeployment()->SetNodeCaption(L"desk");
+    EXPECT_THAT(shown("arguments"), ElementsAre("1: -batch", "2: $Input"));
+    EXPECT_THAT(shown("deployments"), ElementsAre("cluster: Path=/opt/solver, Executable=solve", "desk"));
 }
 
 TEST(WorkflowFolder, NamesOfFactsAreTheirOwn) {
