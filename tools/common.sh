@@ -18,7 +18,7 @@ build_packages=(
 )
 check_packages=(
     clang-14 lld-14 clang-format-14 llvm-14 libclang-rt-14-dev
-    libgtest-dev libgmock-dev groff-base
+    libgtest-dev libgmock-dev groff-base doxygen
     dpkg-dev fakeroot file lintian
 )
 bench_packages=(libbenchmark-dev)
