@@ -13,6 +13,7 @@
 #include "flowmere/persistence/FCWriter.h"
 #include "support/EnvironmentGuard.h"
 #include "support/TestSupport.h"
+#include "support/TreeTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -26,45 +27,6 @@
 
 namespace flowmere::test {
 
-struct TreeEnd {
-    void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
-};
-
-// A tree and all that hangs on it.
-using Tree = std::unique_ptr<IFCNode, TreeEnd>;
-
-// A connector with a route, as a host's drawing has it.
-class RoutedConnector : public CFCConnector {
-public:
-    int GetPointCount() override { return count < 0 ? static_cast<int>(points.size()) : count; }
-    _TgPointLStr* GetPoints() override { return hidePoints ? nullptr : points.data(); }
-    _TgPointLStr* GetStartPoint() override { return hasStart ? &start : nullptr; }
-    _TgPointLStr* GetEndPoint() override { return hasEnd ? &end : nullptr; }
-    _TgPointLStr* GetPointAt(int number) override { return &points[static_cast<std::size_t>(number)]; }
-    void AddPoint(int x, int y) override { points.push_back({x, y}); }
-    void AddPoint(_TgPointLStr* point) override { points.push_back(*point); }
-
-    std::vector<_TgPointLStr> points;
-    _TgPointLStr start{};
-    _TgPointLStr end{};
-    bool hasStart = false;
-    bool hasEnd = false;
-    bool hidePoints = false;
-    int count = -1; // what GetPointCount claims, when it is not negative
-};
-
-// A factory whose connectors keep their routes.
-class RoutingFactory : public CFCNodeFactory {
-public:
-    IFCNode* Create(int type) override {
-        if (type != 68)
-            return CFCNodeFactory::Create(type);
-        auto connector = std::make_unique<RoutedConnector>();
-        connector->SetNodeType(68);
-        return connector.release();
-    }
-};
-
 // A reader as its subclasses see it.
 class OpenDocumentReader : public CFCReader {
 public:
@@ -72,66 +34,8 @@ public:
     using CFCReader::Create;
 };
 
-// A new child in front of the others.
-inline IFCNode* addChild(IFCNode* parent, int type, wchar_t const* id, wchar_t const* caption = L"") {
-    IFCNode* const node = CFCNodeFactory().Create(type);
-    if (node == nullptr)
-        throw std::invalid_argument("no class for node type " + std::to_string(type));
-    node->SetNodeId(id);
-    node->SetNodeCaption(caption);
-    parent->AppendChild(node, false);
-    return node;
-}
-
 inline CFCBlockNode* addBlock(IFCNode* parent, wchar_t const* id, int type = 57) {
     return dynamic_cast<CFCBlockNode*>(addChild(parent, type, id, id));
-}
-
-inline CFCVariableData* addVariable(IFCNode* owner, wchar_t const* name, wchar_t const* value = L"") {
-    CFCVariableData* const variable = owner->CreateNewVariable();
-    variable->SetVariableName(name);
-    variable->SetCaption(name);
-    variable->SetValue(value);
-    return variable;
-}
-
-// Joins two blocks of a container; the container's list holds the connector.
-template <typename Connector = CFCConnector>
-Connector* connect(IFCNode* container, CFCBlockNode* start, CFCBlockNode* end, int startHandle = 6, int endHandle = 2) {
-    auto connector = std::make_unique<Connector>();
-    connector->SetNodeType(68);
-    connector->SetStartNode(startHandle, start, L"");
-    connector->SetEndNode(endHandle, end, L"");
-    container->AddConnector(connector.get());
-    return connector.release();
-}
-
-inline std::vector<CFCConnector*> connectorsOf(IFCNode* node) {
-    std::vector<CFCConnector*> found;
-    if (CFCConnectorList* const list = node->GetConnectorList()) {
-        for (__FCPOSITION* position = list->GetHeadPosition(); position != nullptr;)
-            found.push_back(list->GetNext(position));
-    }
-    return found;
-}
-
-inline std::vector<CFCVariableData*> variablesOf(IFCNode* node) {
-    std::vector<CFCVariableData*> found;
-    if (CFCVariableList* const list = node->GetVariableList()) {
-        for (__FCPOSITION* position = list->GetHeadPosition(); position != nullptr;)
-            found.push_back(list->GetNext(position));
-    }
-    return found;
-}
-
-// The children of a node from the oldest to the newest, without the two that every process brings along.
-inline std::vector<IFCNode*> childrenOf(IFCNode* node) {
-    std::vector<IFCNode*> found;
-    for (IFCNode* child = node->GetChild(); child != nullptr; child = child->GetNext()) {
-        if (child->GetNodeType() != 176 && child->GetNodeType() != 178)
-            found.insert(found.begin(), child);
-    }
-    return found;
 }
 
 inline IFCNode* onlyChild(IFCNode* node) {

@@ -1498,7 +1498,7 @@ TEST_F(FCProcessDefinitionReaderTest, AConnectorOfAnotherClassIsNone) {
 
 TEST_F(FCProcessDefinitionReaderTest, ChildrenWithoutWorkflowDataAreNoStart) {
     tree = newWorkflow();
-    addNode(tree.get(), 57, L"Plain");
+    addChild(tree.get(), 57, L"Plain");
     addTask(tree.get(), L"A")->CreateNewTransition()->SetTransitionTo(L"Plain");
     reader.SetNodeFactory(factory);
     reader.UpdateConnector(tree.get());
@@ -1509,7 +1509,7 @@ TEST_F(FCProcessDefinitionReaderTest, ChildrenWithoutWorkflowDataAreNoStart) {
 
 TEST_F(FCProcessDefinitionReaderTest, AFolderHoldsNoConnectors) {
     tree = newWorkflow();
-    IFCNode* const folder = addNode(tree.get(), 71, L"");
+    IFCNode* const folder = addChild(tree.get(), 71, L"");
     addTask(folder, L"A")->CreateNewTransition()->SetTransitionTo(L"A");
     reader.SetNodeFactory(factory);
     reader.UpdateConnectors(tree.get());
@@ -2016,7 +2016,7 @@ TEST_F(FCProcessDefinitionReaderTest, AMacroNodeIsSoughtByTheFactory) {
     macros.macro = path("macros/processdefinition.xml");
     reader.SetNodeFactory(&macros);
     tree = newWorkflow();
-    IFCNode* const link = addNode(tree.get(), 170, L"Link");
+    IFCNode* const link = addChild(tree.get(), 170, L"Link");
     for (int const location : {0, 2}) {
         link->SetNodeLocationType(location);
         EXPECT_FALSE(reader.LoadFileNode(L"nowhere.xml", link));

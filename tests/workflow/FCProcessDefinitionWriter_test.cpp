@@ -523,7 +523,7 @@ TEST_F(FCProcessDefinitionWriter, APlainProcessAsARootHasTheRootAttributesAlone)
     Tree const tree(CFCNodeFactory().Create(56));
     tree->SetNodeCaption(L"Plain");
     tree->SetNodeDescription(L"Not written");
-    addNode(tree.get(), 57, L"Block");
+    addChild(tree.get(), 57, L"Block");
     addTask(tree.get(), L"T");
     Element const root = written(tree.get());
     EXPECT_EQ(root["name"], "Plain");
@@ -556,7 +556,7 @@ TEST_F(FCProcessDefinitionWriter, ASubProcessAsARootHasItsBlocksAndNothingOfItsO
 
 TEST_F(FCProcessDefinitionWriter, AProcessInsideIsWrittenAsOne) {
     Tree const tree = newWorkflow();
-    IFCNode* const inner = addNode(tree.get(), 160, L"Inner");
+    IFCNode* const inner = addChild(tree.get(), 160, L"Inner");
     addTask(inner, L"T");
     Element const element = written(tree.get()).only("process-definition");
     EXPECT_EQ(element["name"], "Inner");
@@ -565,7 +565,7 @@ TEST_F(FCProcessDefinitionWriter, AProcessInsideIsWrittenAsOne) {
 
 TEST_F(FCProcessDefinitionWriter, APlainProcessInsideHasTheRootAttributesToo) {
     Tree const tree = newWorkflow();
-    addTask(addNode(tree.get(), 56, L"Inner"), L"T");
+    addTask(addChild(tree.get(), 56, L"Inner"), L"T");
     Element const element = writtenInHierarchy(tree.get()).only("process-definition");
     EXPECT_EQ(element["name"], "Inner");
     EXPECT_EQ(element["hierarchyPath"], "A/C/Inner");
@@ -575,7 +575,7 @@ TEST_F(FCProcessDefinitionWriter, APlainProcessInsideHasTheRootAttributesToo) {
 
 TEST_F(FCProcessDefinitionWriter, TheProjectIsThatOfTheTopmostProcess) {
     Tree const tree = newWorkflow(L"Flow", EProjectType_MSP);
-    IFCNode* const inner = addNode(tree.get(), 160, L"Inner");
+    IFCNode* const inner = addChild(tree.get(), 160, L"Inner");
     inner->SetProjectType(EProjectType_BPT);
     EXPECT_EQ(written(tree.get()).only("process-definition").only("type").text, "MSP");
     tree->SetProjectType(EProjectType_APPLICATION);
@@ -739,7 +739,7 @@ TEST_F(FCProcessDefinitionWriter, ANodeOfNoKindIsUnKnown) {
 
 TEST_F(FCProcessDefinitionWriter, TheCaptionStandsInForAMissingIdentifier) {
     Tree const tree = newWorkflow();
-    addNode(tree.get(), 150, L"", L"Shown");
+    addChild(tree.get(), 150, L"", L"Shown");
     EXPECT_EQ(written(tree.get()).only("task-node")["name"], "Shown");
 }
 
@@ -765,7 +765,7 @@ TEST_F(FCProcessDefinitionWriter, ASubProcessWithoutAnyNameHasNoFiles) {
 
 TEST_F(FCProcessDefinitionWriter, ASubProcessWithACaptionOnlyIsOverwrittenByTheFileAbove) {
     Tree const tree = newWorkflow();
-    IFCNode* const sub = addNode(tree.get(), 165, L"", L"Shown");
+    IFCNode* const sub = addChild(tree.get(), 165, L"", L"Shown");
     addTask(sub, L"Inner");
     Element const root = written(tree.get());
     EXPECT_EQ(contentsOf(scratch.path()), kThreeFiles);
@@ -794,7 +794,7 @@ TEST_F(FCProcessDefinitionWriter, ANodeWithoutTheRecordsStopsAfterTheRootAttribu
 
 TEST_F(FCProcessDefinitionWriter, ABlockOfANativeProcessHasNoTaskUnderAWorkflowKind) {
     Tree const tree = newWorkflow();
-    IFCNode* const native = addNode(tree.get(), 57, L"Native");
+    IFCNode* const native = addChild(tree.get(), 57, L"Native");
     native->SetNodeType(150);
     Element const element = written(tree.get()).only("task-node");
     EXPECT_TRUE(element.attributes.empty());
@@ -1309,8 +1309,8 @@ TEST_F(FCProcessDefinitionWriter, TheFlagOfTheNodeDoesNotDeleteAConnector) {
 TEST_F(FCProcessDefinitionWriter, TransitionsBelongToANameInOneContainer) {
     Tree const tree = newWorkflow();
     CFCBPMTaskNode* const first = addTask(tree.get(), L"A");
-    addTask(tree.get(), L"A");           // a namesake
-    addNode(tree.get(), 150, L"", L"A"); // and one by its caption
+    addTask(tree.get(), L"A");            // a namesake
+    addChild(tree.get(), 150, L"", L"A"); // and one by its caption
     addTask(tree.get(), L"a");
     CFCBPMTaskNode* const group = addTask(tree.get(), L"G", 161);
     addTask(group, L"A");

@@ -561,7 +561,7 @@ TEST_F(FCProcessVarReaderTest, ABlockThatMakesNoVariableIsPassedOver) {
 
 TEST_F(FCProcessVarReaderTest, ANodeWithoutBlockDataTakesNoVariable) {
     root = makeRoot();
-    IFCNode* const folder = addNode(root.get(), 71, L"Folder");
+    IFCNode* const folder = addChild(root.get(), 71, L"Folder");
     EXPECT_TRUE(parse("<BLOCK Name=\"Folder\"><VARIABLE Name=\"x\"/><ARGUMENT/><DEPLOYMENTS/></BLOCK>", root.get()));
     EXPECT_EQ(folder->GetFCBlockData(), nullptr);
     CFCDeploymentData deployment;

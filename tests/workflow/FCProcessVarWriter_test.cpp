@@ -126,7 +126,7 @@ TEST_F(FCProcessVarWriterTest, ARootHasABlockListOrItsBlocksOrNone) {
     };
     for (Row const& row : rows) {
         Tree const root = makeRoot(row.kind);
-        addNode(root.get(), 150, L"Task_01");
+        addChild(root.get(), 150, L"Task_01");
         EXPECT_EQ(outlineOf(written(root.get())), row.outline) << row.kind;
     }
 }
@@ -159,9 +159,9 @@ TEST_F(FCProcessVarWriterTest, ABlockHasItsBlocksOrNone) {
     };
     for (Row const& row : rows) {
         Tree const root = makeRoot();
-        IFCNode* const block = addNode(root.get(), row.kind == 0 ? 150 : row.kind, L"Inner");
+        IFCNode* const block = addChild(root.get(), row.kind == 0 ? 150 : row.kind, L"Inner");
         block->SetNodeType(row.kind);
-        addNode(block, 150, L"Task_01");
+        addChild(block, 150, L"Task_01");
         EXPECT_EQ(outlineOf(written(root.get())),
                   std::string("0PROCESS 1PROCESS_VARIABLES 1BLOCK_VARIABLES ") + row.outline)
             << row.kind;
@@ -170,9 +170,9 @@ TEST_F(FCProcessVarWriterTest, ABlockHasItsBlocksOrNone) {
 
 TEST_F(FCProcessVarWriterTest, ASubProcessHasAFileOfItsOwnForItsBlocks) {
     Tree const root = makeRoot();
-    IFCNode* const inner = addNode(root.get(), 165, L"Sub");
+    IFCNode* const inner = addChild(root.get(), 165, L"Sub");
     addVariable(inner, L"ofTheBlock");
-    addVariable(addNode(inner, 150, L"Deep"), L"deep");
+    addVariable(addChild(inner, 150, L"Deep"), L"deep");
     Element const outer = written(root.get());
     EXPECT_EQ(outlineOf(outer), "0PROCESS 1PROCESS_VARIABLES 1BLOCK_VARIABLES 2BLOCK 3VARIABLE ");
     Element const own = written(inner);
@@ -182,11 +182,11 @@ TEST_F(FCProcessVarWriterTest, ASubProcessHasAFileOfItsOwnForItsBlocks) {
 
 TEST_F(FCProcessVarWriterTest, ChildrenComeOldestFirstAtEveryLevel) {
     Tree const root = makeRoot();
-    addNode(root.get(), 154, L"First");
-    IFCNode* const group = addNode(root.get(), 161, L"Second");
-    addNode(root.get(), 155, L"Third");
-    addNode(group, 150, L"Inner1");
-    addNode(group, 150, L"Inner2");
+    addChild(root.get(), 154, L"First");
+    IFCNode* const group = addChild(root.get(), 161, L"Second");
+    addChild(root.get(), 155, L"Third");
+    addChild(group, 150, L"Inner1");
+    addChild(group, 150, L"Inner2");
     Element const file = written(root.get());
     EXPECT_EQ(outlineOf(file),
               "0PROCESS 1PROCESS_VARIABLES 1BLOCK_VARIABLES 2BLOCK 2SUB_PROCESS 3BLOCK 3BLOCK 2BLOCK ");
@@ -200,7 +200,7 @@ TEST_F(FCProcessVarWriterTest, ChildrenComeOldestFirstAtEveryLevel) {
 
 TEST_F(FCProcessVarWriterTest, TheLevelIsWrittenWhateverTheFlag) {
     Tree const root = makeRoot();
-    addVariable(addNode(root.get(), 150, L"Task_01"), L"x");
+    addVariable(addChild(root.get(), 150, L"Task_01"), L"x");
     CFCProcessVarWriter writer;
     EXPECT_EQ(writtenBy(writer, root.get(), false), writtenBy(writer, root.get(), true));
 }
@@ -208,7 +208,7 @@ TEST_F(FCProcessVarWriterTest, TheLevelIsWrittenWhateverTheFlag) {
 TEST_F(FCProcessVarWriterTest, ABlockWithoutIdKeepsAnElementWithoutContent) {
     for (int const kind : {150, 154, 165, 167}) {
         Tree const root = makeRoot();
-        IFCNode* const block = addNode(root.get(), kind, L"", L"Caption");
+        IFCNode* const block = addChild(root.get(), kind, L"", L"Caption");
         addVariable(block, L"x");
         Element const file = written(root.get());
         EXPECT_EQ(outlineOf(file), "0PROCESS 1PROCESS_VARIABLES 1BLOCK_VARIABLES 2BLOCK ") << kind;
@@ -219,9 +219,9 @@ TEST_F(FCProcessVarWriterTest, ABlockWithoutIdKeepsAnElementWithoutContent) {
 TEST_F(FCProcessVarWriterTest, AGroupWithoutIdKeepsItsBlocksAlone) {
     for (int const kind : {161, 168}) {
         Tree const root = makeRoot();
-        IFCNode* const group = addNode(root.get(), kind, L"", L"Caption");
+        IFCNode* const group = addChild(root.get(), kind, L"", L"Caption");
         addVariable(group, L"x");
-        addVariable(addNode(group, 150, L"Inner"), L"y");
+        addVariable(addChild(group, 150, L"Inner"), L"y");
         Element const file = written(root.get());
         EXPECT_EQ(outlineOf(file), "0PROCESS 1PROCESS_VARIABLES 1BLOCK_VARIABLES 2SUB_PROCESS 3BLOCK 4VARIABLE ")
             << kind;
@@ -232,7 +232,7 @@ TEST_F(FCProcessVarWriterTest, AGroupWithoutIdKeepsItsBlocksAlone) {
 
 TEST_F(FCProcessVarWriterTest, EveryAttributeOfAVariableIsWritten) {
     Tree const root = makeRoot();
-    IFCNode* const block = addNode(root.get(), 150, L"Task_01");
+    IFCNode* const block = addChild(root.get(), 150, L"Task_01");
     CFCVariableData* const variable = addVariable(block, L"width", L"C:\\a\\b");
     variable->SetCaption(L"The width");
     variable->SetVariableID(-7);
@@ -265,7 +265,7 @@ TEST_F(FCProcessVarWriterTest, EveryAttributeOfAVariableIsWritten) {
 
 TEST_F(FCProcessVarWriterTest, EveryAttributeOfANewVariableIsWritten) {
     Tree const root = makeRoot();
-    addNode(root.get(), 150, L"Task_01")->CreateNewVariable()->SetVariableName(L"plain");
+    addChild(root.get(), 150, L"Task_01")->CreateNewVariable()->SetVariableName(L"plain");
     Element const line = theOnly(written(root.get()), "VARIABLE");
     std::pair<char const*, char const*> const expected[] = {
         {"Name", "plain"},        {"DisplayName", ""},     {"id", "0"},
@@ -304,7 +304,7 @@ TEST_F(FCProcessVarWriterTest, TheDataTypeIsThatOfTheCatalogElseTheEnumeration) 
     };
     for (Row const& row : rows) {
         Tree const root = makeRoot();
-        IFCNode* const block = addNode(root.get(), 150, L"Task_01");
+        IFCNode* const block = addChild(root.get(), 150, L"Task_01");
         CFCVariableData* const variable =
             row.catalogType != nullptr ? addVariable(block, L"x") : addBareVariable(block, "x", row.dataType);
         if (row.catalogType != nullptr) {
@@ -321,7 +321,7 @@ TEST_F(FCProcessVarWriterTest, TheDataTypeIsThatOfTheCatalogElseTheEnumeration) 
 
 TEST_F(FCProcessVarWriterTest, AFileVariableIsWrittenByItsFileType) {
     Tree const root = makeRoot();
-    IFCNode* const block = addNode(root.get(), 150, L"Task_01");
+    IFCNode* const block = addChild(root.get(), 150, L"Task_01");
     CFCVariableData* const picture = addVariable(block, L"picture");
     picture->SetFileType(true);
     picture->GetFileTypeNode()->SetFileTypeName(L"Picture");
@@ -343,7 +343,7 @@ TEST_F(FCProcessVarWriterTest, EveryStatusAndScopeIsWrittenByName) {
     char const* const statuses[] = {"Input", "Output", "In-and-Output", "", ""};
     for (int status = 0; status < 5; ++status) {
         Tree const root = makeRoot();
-        CFCVariableData* const variable = addVariable(addNode(root.get(), 150, L"Task_01"), L"x", L"a\\b");
+        CFCVariableData* const variable = addVariable(addChild(root.get(), 150, L"Task_01"), L"x", L"a\\b");
         variable->SetStatusType(status);
         Element const file = written(root.get());
         EXPECT_EQ(attribute(file, "x", "IOType"), statuses[status]);
@@ -352,7 +352,7 @@ TEST_F(FCProcessVarWriterTest, EveryStatusAndScopeIsWrittenByName) {
     char const* const scopes[] = {"Local", "Parent", "Connected", "Template", "Global", "Private", "Public", "Resolve"};
     for (int scope = 0; scope < 8; ++scope) {
         Tree const root = makeRoot();
-        addVariable(addNode(root.get(), 150, L"Task_01"), L"x")->SetScopeType(scope);
+        addVariable(addChild(root.get(), 150, L"Task_01"), L"x")->SetScopeType(scope);
         EXPECT_EQ(attribute(written(root.get()), "x", "Scope"), scopes[scope]);
     }
 }
@@ -379,7 +379,7 @@ TEST_F(FCProcessVarWriterTest, TheRootsVariablesAreWrittenWithoutLinkAndLocal) {
 TEST_F(FCProcessVarWriterTest, BlocksKeepLinksAndScopesAlsoInASecondFileOfTheWriter) {
     Tree const root = makeRoot();
     addVariable(root.get(), L"ofRoot")->SetLinkPath(L"Other.In");
-    CFCVariableData* const variable = addVariable(addNode(root.get(), 150, L"Task_01"), L"ofBlock");
+    CFCVariableData* const variable = addVariable(addChild(root.get(), 150, L"Task_01"), L"ofBlock");
     variable->SetLinkPath(L"Task_02.In");
     variable->SetScopeType(EScopeType_Global);
     CFCProcessVarWriter writer;
@@ -393,10 +393,10 @@ TEST_F(FCProcessVarWriterTest, BlocksKeepLinksAndScopesAlsoInASecondFileOfTheWri
 
 TEST_F(FCProcessVarWriterTest, AProcessFurtherDownIsStrippedAsWhatWasWrittenBeforeIt) {
     Tree const root = makeRoot();
-    IFCNode* const early = addNode(root.get(), 160, L"Early");
+    IFCNode* const early = addChild(root.get(), 160, L"Early");
     addVariable(early, L"early")->SetLinkPath(L"A.In");
-    addNode(root.get(), 150, L"Task_01");
-    IFCNode* const late = addNode(root.get(), 160, L"Late");
+    addChild(root.get(), 150, L"Task_01");
+    IFCNode* const late = addChild(root.get(), 160, L"Late");
     addVariable(late, L"late")->SetLinkPath(L"B.In");
     addVariable(late, L"ActiveSetup");
     Element const file = written(root.get());
@@ -425,7 +425,7 @@ TEST_F(FCProcessVarWriterTest, TheActiveSetupIsLeftOutOnBlocksAlone) {
     };
     for (Row const& row : rows) {
         Tree const root = makeRoot(row.isRoot ? row.kind : 160);
-        IFCNode* const owner = row.isRoot ? root.get() : addNode(root.get(), row.kind, L"Task_01");
+        IFCNode* const owner = row.isRoot ? root.get() : addChild(root.get(), row.kind, L"Task_01");
         addVariable(owner, row.name);
         EXPECT_EQ(everyOne(written(root.get()), "VARIABLE").size(), row.written) << row.kind << row.isRoot;
     }
@@ -433,7 +433,7 @@ TEST_F(FCProcessVarWriterTest, TheActiveSetupIsLeftOutOnBlocksAlone) {
 
 TEST_F(FCProcessVarWriterTest, AVariableWithoutNameIsNotWritten) {
     Tree const root = makeRoot();
-    IFCNode* const block = addNode(root.get(), 150, L"Task_01");
+    IFCNode* const block = addChild(root.get(), 150, L"Task_01");
     addVariable(root.get(), L"");
     addVariable(block, L"");
     CFCVariableData* const member = addVariable(block, L"member");
@@ -513,7 +513,7 @@ TEST_F(FCProcessVarWriterTest, AnApplicationAsRootHasItsDeploymentsBehindItsVari
 
 TEST_F(FCProcessVarWriterTest, AnApplicationWithoutTheClassOfOneHasNoDeploymentsAndArguments) {
     Tree const root = makeRoot();
-    IFCNode* const block = addNode(root.get(), 150, L"Solver");
+    IFCNode* const block = addChild(root.get(), 150, L"Solver");
     block->SetNodeType(167);
     addVariable(block, L"x");
     EXPECT_EQ(outlineOf(written(root.get())),
@@ -574,8 +574,8 @@ TEST_F(FCProcessVarWriterTest, AnElementIsMadeBelowTheParentOrTakenAsItIs) {
         std::vector<std::pair<std::string, bool>> calls;
     };
     Tree const root = makeRoot();
-    IFCNode* const group = addNode(root.get(), 161, L"Group");
-    addNode(group, 150, L"Task_01");
+    IFCNode* const group = addChild(root.get(), 161, L"Group");
+    addChild(group, 150, L"Task_01");
     ChildrenOfOneLevel writer;
     writtenBy(writer, root.get());
     std::vector<std::pair<std::string, bool>> const expected = {{"Main", true}, {"Group", false}, {"Task_01", false}};
@@ -635,7 +635,7 @@ TEST_F(FCProcessVarWriterTest, GroupsInsideGroupsEndWhereTheFileCouldNotBeReadAg
     Tree const root = makeRoot();
     IFCNode* parent = root.get();
     for (int depth = 0; depth < 3000; ++depth) {
-        parent = addNode(parent, 161, L"G");
+        parent = addChild(parent, 161, L"G");
         addVariable(parent, L"x");
     }
     EXPECT_TRUE(CFCProcessVarWriter().WriteFile(path("process.var"), root.get(), true));
@@ -652,8 +652,8 @@ TEST_F(FCProcessVarWriterTest, GroupsInsideGroupsEndWhereTheFileCouldNotBeReadAg
 
 TEST_F(FCProcessVarWriterTest, ChildrenThatFormARingAreNotWritten) {
     Tree const root = makeRoot();
-    IFCNode* const first = addNode(root.get(), 150, L"Task_01");
-    IFCNode* const second = addNode(root.get(), 150, L"Task_02");
+    IFCNode* const first = addChild(root.get(), 150, L"Task_01");
+    IFCNode* const second = addChild(root.get(), 150, L"Task_02");
     first->SetNext(second);
     EXPECT_EQ(outlineOf(written(root.get())), "0PROCESS 1PROCESS_VARIABLES 1BLOCK_VARIABLES ");
     first->SetNext(nullptr);
@@ -661,7 +661,7 @@ TEST_F(FCProcessVarWriterTest, ChildrenThatFormARingAreNotWritten) {
 
 TEST_F(FCProcessVarWriterTest, TextsThatXmlCannotHoldDoNotEndTheFile) {
     Tree const root = makeRoot();
-    IFCNode* const block = addNode(root.get(), 150, L"Task_01");
+    IFCNode* const block = addChild(root.get(), 150, L"Task_01");
     addVariable(block, L"odd", L"a\x01<&>\"b");
     addVariable(block, L"behind");
     Element const file = written(root.get());

@@ -436,7 +436,7 @@ TEST_F(FCWorkFlowWriter, ANodeWithoutAnyNameStaysEmptyButForWhatIsBelow) {
     CFCBPMTaskNode* const group = addTask(tree.get(), L"", 161);
     addVariable(group, L"v");
     addTask(group, L"T");
-    addNode(tree.get(), 150, L"", L"Caption");
+    addChild(tree.get(), 150, L"", L"Caption");
     Element const element = tasks(tree.get());
     EXPECT_TRUE(element.only("super-state").attributes.empty());
     EXPECT_EQ(element.only("super-state").outline(), "task");
@@ -445,7 +445,7 @@ TEST_F(FCWorkFlowWriter, ANodeWithoutAnyNameStaysEmptyButForWhatIsBelow) {
 
 TEST_F(FCWorkFlowWriter, ANativeBlockIsAnEmptyTask) {
     Tree const tree = newWorkflow();
-    IFCNode* const native = addNode(tree.get(), 57, L"Native");
+    IFCNode* const native = addChild(tree.get(), 57, L"Native");
     addVariable(native, L"v");
     Element const element = tasks(tree.get()).only("task");
     EXPECT_TRUE(element.attributes.empty());

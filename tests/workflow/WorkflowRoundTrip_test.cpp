@@ -391,7 +391,7 @@ TEST_F(WorkflowRoundTrip, NodesWithoutAnElementAreLeftOut) {
     Tree const root = newWorkflow();
     for (int const kind : {151, 152, 158, 159})
         addTask(root.get(), L"lost", kind);
-    addNode(root.get(), 57, L"lost");
+    addChild(root.get(), 57, L"lost");
     addTask(root.get(), L"T");
     EXPECT_EQ(outlineOf(pass(root.get(), "flow")), "150 T");
 }

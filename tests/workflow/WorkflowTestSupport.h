@@ -13,6 +13,7 @@
 #include "flowmere/xml/XmlPlatform.h"
 #include "support/EnvironmentGuard.h"
 #include "support/TestSupport.h"
+#include "support/TreeTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <xercesc/dom/DOM.hpp>
@@ -32,13 +33,6 @@ namespace flowmere::test {
 
 // --- Trees ---------------------------------------------------------------------------------------------------
 
-struct TreeEnd {
-    void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
-};
-
-// A tree and all that hangs on it.
-using Tree = std::unique_ptr<IFCNode, TreeEnd>;
-
 // A workflow process without identifier, the root of most trees.
 inline Tree newWorkflow(wchar_t const* caption = L"Flow", EProjectType type = EProjectType_TASK) {
     Tree tree(CFCNodeFactory().Create(160));
@@ -47,103 +41,13 @@ inline Tree newWorkflow(wchar_t const* caption = L"Flow", EProjectType type = EP
     return tree;
 }
 
-// A node of any kind, as the newest child of the parent: first in the chain, last in a file.
-inline IFCNode* addNode(IFCNode* parent, int kind, wchar_t const* id, wchar_t const* caption = L"") {
-    IFCNode* const node = CFCNodeFactory().Create(kind);
-    if (node == nullptr)
-        throw std::invalid_argument("no class for node type " + std::to_string(kind));
-    node->SetNodeId(id);
-    node->SetNodeCaption(caption);
-    parent->AppendChild(node, false);
-    return node;
-}
-
 // A workflow block; its identifier is its task's name, too.
 inline CFCBPMTaskNode* addTask(IFCNode* parent, wchar_t const* id, int kind = 150) {
-    return dynamic_cast<CFCBPMTaskNode*>(addNode(parent, kind, id));
+    return dynamic_cast<CFCBPMTaskNode*>(addChild(parent, kind, id));
 }
 
 inline CFCApplicationNode* addApplication(IFCNode* parent, wchar_t const* id, int kind = 167) {
-    return dynamic_cast<CFCApplicationNode*>(addNode(parent, kind, id));
-}
-
-inline CFCVariableData* addVariable(IFCNode* owner, wchar_t const* name, wchar_t const* value = L"") {
-    CFCVariableData* const variable = owner->CreateNewVariable();
-    variable->SetVariableName(name);
-    variable->SetCaption(name);
-    variable->SetValue(value);
-    return variable;
-}
-
-// A connector with a route, as a host's drawing has it.
-class RoutedConnector : public CFCConnector {
-public:
-    int GetPointCount() override { return count.value_or(static_cast<int>(points.size())); }
-    _TgPointLStr* GetPoints() override { return hidePoints ? nullptr : points.data(); }
-    _TgPointLStr* GetStartPoint() override { return hasStart ? &start : nullptr; }
-    _TgPointLStr* GetEndPoint() override { return hasEnd ? &end : nullptr; }
-    _TgPointLStr* GetPointAt(int number) override { return &points[static_cast<std::size_t>(number)]; }
-    void AddPoint(int x, int y) override { points.push_back({x, y}); }
-    void AddPoint(_TgPointLStr* point) override { points.push_back(*point); }
-
-    std::vector<_TgPointLStr> points;
-    _TgPointLStr start{};
-    _TgPointLStr end{};
-    bool hasStart = false;
-    bool hasEnd = false;
-    bool hidePoints = false;
-    std::optional<int> count; // what GetPointCount claims instead of the number of points
-};
-
-// A factory whose connectors keep their routes.
-class RoutingFactory : public CFCNodeFactory {
-public:
-    IFCNode* Create(int type) override {
-        if (type != 68)
-            return CFCNodeFactory::Create(type);
-        auto connector = std::make_unique<RoutedConnector>();
-        connector->SetNodeType(68);
-        return connector.release();
-    }
-};
-
-// Joins two blocks of a container; the container's list holds the connector.
-template <typename Connector = CFCConnector>
-Connector* connect(IFCNode* container, CFCBlockNode* start, CFCBlockNode* end, int startHandle = 6, int endHandle = 2) {
-    auto connector = std::make_unique<Connector>();
-    connector->SetNodeType(68);
-    connector->SetStartNode(startHandle, start, L"");
-    connector->SetEndNode(endHandle, end, L"");
-    container->AddConnector(connector.get());
-    return connector.release();
-}
-
-inline std::vector<CFCConnector*> connectorsOf(IFCNode* node) {
-    std::vector<CFCConnector*> found;
-    if (CFCConnectorList* const list = node->GetConnectorList()) {
-        for (__FCPOSITION* position = list->GetHeadPosition(); position != nullptr;)
-            found.push_back(list->GetNext(position));
-    }
-    return found;
-}
-
-inline std::vector<CFCVariableData*> variablesOf(IFCNode* node) {
-    std::vector<CFCVariableData*> found;
-    if (CFCVariableList* const list = node->GetVariableList()) {
-        for (__FCPOSITION* position = list->GetHeadPosition(); position != nullptr;)
-            found.push_back(list->GetNext(position));
-    }
-    return found;
-}
-
-// The children of a node from the oldest to the newest, without the two that every process brings along.
-inline std::vector<IFCNode*> childrenOf(IFCNode* node) {
-    std::vector<IFCNode*> found;
-    for (IFCNode* child = node->GetChild(); child != nullptr; child = child->GetNext()) {
-        if (child->GetNodeType() != 176 && child->GetNodeType() != 178)
-            found.insert(found.begin(), child);
-    }
-    return found;
+    return dynamic_cast<CFCApplicationNode*>(addChild(parent, kind, id));
 }
 
 inline TuDate dateOf(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
