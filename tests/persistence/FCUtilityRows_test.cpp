@@ -222,7 +222,7 @@ protected:
             return told(isRead) + treeOf(list.get());
         };
         rows["CFCManifestReader_Parse"] = [this](Way way, CFCNodeFactory& maker, Path path) {
-            auto const package = make<CFCPackageNode>(152);
+            auto const package = make<CFCPackageNode>(172);
             CFCPackageNode* out = startsWithNode ? package.get() : nullptr;
             CFCManifestReader reader;
             reader.SetNodeFactory(&maker);
@@ -562,7 +562,7 @@ std::map<std::string, std::string> filesBelow(std::filesystem::path const& folde
 
 TEST_F(FCUtilityRows, WritersComeToWhatTheirClassesComeTo) {
     std::vector<std::pair<std::string, Tree>> trees;
-    for (int const kind : {56, 69, 81, 152, 160}) {
+    for (int const kind : {56, 69, 81, 160, 172}) {
         Tree& tree = trees.emplace_back(std::to_string(kind), CFCNodeFactory().Create(kind)).second;
         ASSERT_NE(nullptr, tree) << kind;
         tree->SetNodeCaption(L"Top");
@@ -571,7 +571,7 @@ TEST_F(FCUtilityRows, WritersComeToWhatTheirClassesComeTo) {
     }
     addBlock(trees[0].second.get(), L"inner");
     addChild(trees[1].second.get(), 70, L"p", L"Placed")->SetItemFilePath(L"placed.bpt");
-    addChild(trees[4].second.get(), 150, L"step", L"Step");
+    addChild(trees[3].second.get(), 150, L"step", L"Step");
     addChild(applications.get(), 167, L"solver");
     trees.emplace_back("no node", nullptr);
 
