@@ -268,9 +268,16 @@ private:
             });
             return found;
         };
-        auto const put = [&](Label label, std::vector<Rect> const& places, std::size_t own) {
-            double best = std::numeric_limits<double>::max();
-            for (std::size_t at = 0; at < places.size() && best > 0; ++at) {
+        constexpr double kNoPlace = std::numeric_limits<double>::max();
+        // The best place for a label, and what is wrong with it: 0 when it says clearly what it belongs to. `line` is
+        // the label's own, and empty for that of a block.
+        struct Place {
+            double cost;
+            Rect area;
+        };
+        auto const find = [&](std::vector<Rect> const& places, std::size_t own, std::vector<Point> const& line) {
+            Place best{kNoPlace, {}};
+            for (std::size_t at = 0; at < places.size() && best.cost > 0; ++at) {
                 Rect const& place = places[at];
                 if (isOnBlock(place.inflated(1), own) || taken.overlaps(place))
                     continue;
@@ -279,18 +286,26 @@ private:
                     cost += 40;
                     return true;
                 });
+                double const away = distance(place, line);
+                if (cost == 0 && away > kLabelGap + 1)
+                    cost = 10;
+                // Beside another line it would be taken for the label of that one.
+                if (cost < 30 && away > 1)
+                    router.pieces().visit(place.inflated(away - 1), [&](std::size_t) {
+                        cost = 30;
+                        return false;
+                    });
                 if (cost > 0)
                     cost += static_cast<double>(at);
-                if (cost < best) {
-                    best = cost;
-                    label.caption.area = place;
-                }
+                if (cost < best.cost)
+                    best = {cost, place};
             }
-            if (best == std::numeric_limits<double>::max())
-                return false;
-            taken.add(label.caption.area);
+            return best;
+        };
+        auto const put = [&](Label label, Rect const& area) {
+            label.caption.area = area;
+            taken.add(area);
             labels.push_back(std::move(label));
-            return true;
         };
         for (std::size_t const child : block(container).children) {
             if (block(child).shape != Shape::Bar || block(child).isOpen)
@@ -304,34 +319,58 @@ private:
             Label label;
             label.block = child;
             label.caption = std::move(caption);
-            put(std::move(label), placesAround(barOf(rect), size), m_placeIn[child]);
+            if (Place const place = find(placesAround(barOf(rect), size), m_placeIn[child], {}); place.cost < kNoPlace)
+                put(std::move(label), place.area);
         }
         for (std::size_t const number : m_connectors[container]) {
             std::string const& text = m_diagram.connectors[number].caption;
             if (text.empty())
                 continue;
-            auto [caption, size] = labelOf(text);
-            if (caption.text.empty())
-                continue;
+            std::vector<Point> const& line = m_layout.lines[number].points;
             Label label;
             label.connector = number;
-            label.caption = std::move(caption);
-            if (!put(std::move(label), placesAlong(m_layout.lines[number].points, size), Label::kNone))
+            Place best{kNoPlace, {}};
+            // A label in two lines finds a place between blocks where one that is long does not.
+            for (double const width : {kLabelWidth, kLabelWidth * 2 / 3}) {
+                auto [caption, size] = labelOf(text, width);
+                if (caption.text.empty() || (best.cost < kNoPlace && (caption.isCut || caption.wrap != Wrap::Words)))
+                    break;
+                if (Place const place = find(placesAlong(line, size), Label::kNone, line); place.cost < best.cost) {
+                    best = place;
+                    label.caption = std::move(caption);
+                }
+                if (best.cost == 0)
+                    break;
+            }
+            if (best.cost < kNoPlace)
+                put(std::move(label), best.area);
+            else if (!breakable(text).empty())
                 ++m_layout.unlabelled;
         }
     }
 
-    std::pair<Caption, Size> labelOf(std::string const& text) {
+    // From an area to the nearest piece of a line; 0 without a line.
+    static double distance(Rect const& area, std::vector<Point> const& line) {
+        double nearest = line.size() < 2 ? 0 : std::numeric_limits<double>::max();
+        for (std::size_t at = 1; at < line.size(); ++at) {
+            Rect const piece = Rect::of(line[at - 1], line[at]);
+            nearest = std::min(nearest, std::max({piece.left - area.right, area.left - piece.right,
+                                                  piece.top - area.bottom, area.top - piece.bottom, 0.0}));
+        }
+        return nearest;
+    }
+
+    std::pair<Caption, Size> labelOf(std::string const& text, double widest = kLabelWidth) {
         Font const font = labelFont();
         Caption caption;
         caption.text = breakable(text);
         caption.size = font.size;
         Size size = m_measure.measure(caption.text, font, font.size, 0, Wrap::Words);
-        if (size.width > kLabelWidth) {
-            size = m_measure.measure(caption.text, font, font.size, kLabelWidth, Wrap::Words);
-            if (size.width > kLabelWidth) {
+        if (size.width > widest) {
+            size = m_measure.measure(caption.text, font, font.size, widest, Wrap::Words);
+            if (size.width > widest) {
                 caption.wrap = Wrap::Anywhere;
-                size = m_measure.measure(caption.text, font, font.size, kLabelWidth, Wrap::Anywhere);
+                size = m_measure.measure(caption.text, font, font.size, widest, Wrap::Anywhere);
             }
         }
         if (size.height > kLabelHeight) {

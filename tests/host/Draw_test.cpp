@@ -563,6 +563,31 @@ TEST(DrawLabels, StandBesideTheirLinesAndCoverNothing) {
             EXPECT_FALSE(layout.labels[one].caption.area.overlaps(layout.labels[other].caption.area));
 }
 
+TEST(DrawLabels, AreNearerToTheirLineThanToAnother) {
+    // Two arrows side by side, with as little room between the blocks as a label in one line does not fit into.
+    Sketch sketch;
+    std::size_t const left = sketch.add({100, 100, 300, 150});
+    std::size_t const right = sketch.add({415, 100, 615, 150});
+    sketch.join(right, left, 8, 4).caption = "More to be told";
+    sketch.join(left, right, 5, 7);
+    Layout const layout = sketch.layOut();
+    expectGoodLayout(sketch.diagram(), layout);
+    ASSERT_EQ(1U, layout.labels.size());
+    Rect const area = layout.labels[0].caption.area;
+    auto const distanceTo = [&](std::size_t line) {
+        double nearest = 1e9;
+        std::vector<Point> const& points = layout.lines[line].points;
+        for (std::size_t at = 1; at < points.size(); ++at) {
+            Rect const piece = Rect::of(points[at - 1], points[at]);
+            nearest = std::min(nearest, std::max({piece.left - area.right, area.left - piece.right,
+                                                  piece.top - area.bottom, area.top - piece.bottom, 0.0}));
+        }
+        return nearest;
+    };
+    EXPECT_LT(distanceTo(0), 6);
+    EXPECT_LT(distanceTo(0), distanceTo(1));
+}
+
 TEST(DrawLabels, OfThinBarsStandBesideThem) {
     Sketch sketch;
     std::size_t const bar = sketch.add({100, 100, 400, 112}, 0, Shape::Bar);
