@@ -38,7 +38,7 @@ public:
 
     fs::path operator/(char const* name) const { return m_path / name; }
     TuString path(char const* name) const { return wide(m_path / name); }
-    // Workflow files are known by the backslash in front of their name.
+    // The form in which hosts hand in the paths of workflow files.
     TuString backslashes(char const* name) const {
         TuString text = path(name);
         text.Replace(L'/', L'\\');

@@ -170,7 +170,7 @@ protected:
                                     : reader.Parse(path, &out, 16);
             return told(isRead, out);
         };
-        rows["CFCReader_LoadFileNode"] = [this](Way way, CFCNodeFactory& maker, Path path) {
+        rows["CFCReader_LoadFileNode"] = [](Way way, CFCNodeFactory& maker, Path path) {
             std::string text;
             for (bool const flag : {false, true}) {
                 Tree const block(CFCNodeFactory().Create(61));
@@ -366,7 +366,7 @@ protected:
         scratch.write(name, text);
         return scratch.text(name);
     }
-    // Workflow files are known by a backslash in front of their name.
+    // Hosts hand in the paths of workflow files with backslashes.
     TuString workflow(char const* folder, std::string_view text) {
         scratch.write(std::filesystem::path(folder) / "processdefinition.xml", text);
         return wideWithBackslashes(scratch / folder / "processdefinition.xml");
@@ -520,7 +520,7 @@ TEST_F(FCUtilityRows, WhatTheHostsFactoryThrowsPassesThrough) {
         for (auto const& [name, call] : readers()) {
             for (TuString const& path : paths) {
                 for (Way const way : {ByHand, ByFrontDoor}) {
-                    std::string const what = thrownBy([&] { call(way, throwing, path); });
+                    std::string const what = thrownBy([&, &row = call] { row(way, throwing, path); });
                     EXPECT_TRUE(what.empty() || what == "no node") << name;
                     thrown[name] += way == ByHand ? (what.empty() ? 0 : 1) : (what.empty() ? 0 : 100);
                 }
@@ -537,17 +537,22 @@ TEST_F(FCUtilityRows, WhatTheHostsFactoryThrowsPassesThrough) {
 TEST_F(FCUtilityRows, WhatTheHostsContainerThrowsPassesThrough) {
     std::vector<TuString> const paths = files();
     auto const rows = readers();
-    for (auto const& [name, file] : {std::pair("CFCReader_ParseContainer", paths[0]),
-                                     std::pair("CFCProcessDefinitionReader_ParseContainer", paths[2]),
-                                     std::pair("CFCMSPReader_ParseContainer", paths[5])}) {
+    struct Case {
+        char const* name;
+        TuString file;
+    };
+    for (Case const& tried :
+         {Case{"CFCReader_ParseContainer", paths[0]}, Case{"CFCProcessDefinitionReader_ParseContainer", paths[2]},
+          Case{"CFCMSPReader_ParseContainer", paths[5]}}) {
+        Read const& call = rows.at(tried.name);
         for (int const at : {0, 1}) {
             container.noted.clear();
             container.throwAt = at;
-            EXPECT_EQ("no room", thrownBy([&] { rows.at(name)(ByFrontDoor, factory, file); })) << name << at;
+            EXPECT_EQ("no room", thrownBy([&] { call(ByFrontDoor, factory, tried.file); })) << tried.name << at;
         }
         container.noted.clear();
         container.throwAt = -1;
-        EXPECT_THAT(rows.at(name)(ByFrontDoor, factory, file), HasSubstr("true")) << "the next call works";
+        EXPECT_THAT(call(ByFrontDoor, factory, tried.file), HasSubstr("true")) << "the next call works";
     }
 }
 

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -109,19 +110,30 @@ TEST_F(FCUtilityCalls, ReaderParseContainer) {
 
 TEST_F(FCUtilityCalls, ReaderParseFollowsLinksToTheGivenDepth) {
     document();
-    TuString const outer = write("outer.bpt", "<PROCESS Name='Outer'><BLOCK Name='link' ID='link' IsFileLink='1' "
-                                              "FileLinkPath='plant.bpt'/></PROCESS>");
-    for (int const depth : {-1, 16}) {
+    auto const linkTo = [&](char const* name) {
+        return "<PROCESS Name='Outer'><PROCESS Name='Inner' FILE='" + (scratch / name).string() + "'/></PROCESS>";
+    };
+    write("middle.bpt", linkTo("plant.bpt"));
+    TuString const outer = write("outer.bpt", linkTo("middle.bpt"));
+    std::set<std::string> trees;
+    for (int const depth : {-1, 0, 1, 2, 16}) {
         IFCNode* node = nullptr;
         ASSERT_TRUE(FCUtility::CFCReader_Parse(factory, outer, &node, depth));
         Tree const tree(node);
+        CountingContainer container;
+        node = nullptr;
+        ASSERT_TRUE(FCUtility::CFCReader_ParseContainer(factory, &container, outer, &node, depth));
+        Tree const toldTree(node);
         CFCReader reader;
         reader.SetNodeFactory(&factory);
         IFCNode* direct = nullptr;
         ASSERT_TRUE(reader.Parse(outer, &direct, depth));
         Tree const directTree(direct);
         EXPECT_EQ(treeOf(directTree.get()), treeOf(tree.get())) << depth;
+        EXPECT_EQ(treeOf(directTree.get()), treeOf(toldTree.get())) << depth;
+        trees.insert(treeOf(tree.get()));
     }
+    EXPECT_THAT(trees, SizeIs(testing::Ge(3U))) << "the depth makes no difference";
 }
 
 TEST_F(FCUtilityCalls, ReaderLoadFileNode) {
