@@ -42,6 +42,8 @@ import xml.etree.ElementTree as ET
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 FRAMES = pathlib.Path(__file__).resolve().parent / "frames"
+# Blocks that have to fail.
+WRONG = FRAMES / "wrong.md"
 
 # File and first line, without comment, of each block that is not run, and why.
 BUILDS = "it builds and tests the checkout that this test belongs to"
@@ -319,6 +321,8 @@ class Run:
             except Wrong as wrong:
                 fault = str(wrong)
                 printed = None
+            if path == WRONG:
+                fault = None if fault else "holds, and should not"
             self.report(source, name, time.monotonic() - begin, fault and block.place() + ": " + fault)
         bash.close()
         if source == "docs/program.md":
@@ -467,6 +471,8 @@ class Run:
 
     def refresh(self):
         for source, changes in self.changes.items():
+            if TOP / source == WRONG:
+                continue
             path = TOP / source
             text = path.read_text(encoding="utf-8").splitlines()
             for at, count, lines in sorted(changes, reverse=True):
@@ -475,7 +481,7 @@ class Run:
             print("{}: {} written anew".format(source, len(changes)))
 
     def all(self):
-        for path in documents():
+        for path in documents() + [WRONG]:
             self.document(path)
         for source, line in sorted(set(NOT_RUN) - self.not_run):
             self.report(source, source + "_list", 0, "NOT_RUN names a block that is not there: {}: {}".format(source, line))
