@@ -21,6 +21,19 @@ inline void PrintTo(TuString const& text, std::ostream* out) {
 
 namespace flowmere::test {
 
+// Whether the tests run with AddressSanitizer, where what is done over and over is done less often.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+inline constexpr bool kIsSanitized = true;
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+
 // Bytes of a whole file; throws when it cannot be read, so that a missing file fails the test.
 inline std::string readFile(std::filesystem::path const& path) {
     std::ifstream in(path, std::ios::binary);
