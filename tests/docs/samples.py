@@ -21,10 +21,12 @@ The samples of one file run one after the other, in a folder of its own that beg
 folder beam. Comments in front of a block tell what the reader sees from the text around it:
 
     <!-- file: NAME -->   the file as which the block is stored, from the present folder
+    <!-- read: COMMAND -->  what reads an xml block that is no process
     <!-- frame: NAME -->  tests/docs/frames/NAME holds what stands around the block
     <!-- sh: COMMAND -->  what has happened before; $TEST_DATA, $EXAMPLES and $FRAMES are folders
 
-There are no other blocks, and no indented ones. Those that cannot be run are in NOT_RUN.
+There are no other blocks, and no indented ones. Those that cannot be run are in NOT_RUN. Links to files are followed,
+too, and docs/program.md has to tell of every command.
 
     samples.py list               the programs among the samples, for CMake
     samples.py run OPTIONS...     runs all of them
@@ -55,7 +57,8 @@ NOT_RUN = {
 # Blocks of these languages in these files have tests of their own, beside this one.
 ELSEWHERE = {("docs/formats.md", "xml"), ("docs/formats.md", "json")}
 
-LANGUAGES = {"cpp", "output", "sh", "console", "python", "xml", "csv", "cmake", "usage"} | {language for _, language in ELSEWHERE}
+LANGUAGES = {"cpp", "output", "sh", "console", "python", "xml", "csv", "cmake", "usage"}
+LANGUAGES |= {language for _, language in ELSEWHERE}
 TIME = re.compile(r" +[0-9]+\.[0-9] ms\b")
 PROMPT = re.compile(r"^(?:[\w.-]+)?> ?")
 
@@ -105,7 +108,7 @@ def blocks_of(path):
                 fence[2].append(line)
             continue
         comment = re.fullmatch(r"<!-- (\w+): (.*) -->", line)
-        if comment and comment[1] in ("file", "frame", "sh"):
+        if comment and comment[1] in ("file", "frame", "read", "sh"):
             directives.append((comment[1], comment[2]))
             continue
         if line.startswith("```"):
@@ -220,7 +223,8 @@ class Bash:
         source = "</dev/null"
         if typed is not None:
             source = "<<'--- end of what is typed ---'\n" + "\n".join(typed) + "\n--- end of what is typed ---"
-        text = "{{ {}\n}} {}\n__code=$?; printf '\\n{} %d\\n' $__code; (exit $__code)\n".format(command, source, self.END)
+        text = "{{ {}\n}} {}\n__code=$?; printf '\\n{} %d\\n' $__code; (exit $__code)\n".format(
+            command, source, self.END)
         try:
             self.process.stdin.write(text.encode())
             self.process.stdin.flush()
@@ -299,6 +303,8 @@ class Run:
         except Wrong as wrong:
             self.report(source, source, 0, str(wrong))
             return
+        if path != WRONG:
+            self.links(source, path)
         if not blocks:
             return
         bash = Bash(scratch / "examples/beam", self.environment(scratch / "home"))
@@ -331,6 +337,13 @@ class Run:
                 self.report(source, source + "_commands", 0, None)
             except Wrong as wrong:
                 self.report(source, source + "_commands", 0, source + ": " + str(wrong))
+
+    def links(self, source, path):
+        """Links and pictures inside the documentation lead to files that are there."""
+        targets = re.findall(r"\]\(([^)#:\s]+)(?:#[^)]*)?\)", path.read_text(encoding="utf-8"))
+        missing = sorted({target for target in targets if not (path.parent / target).exists()})
+        self.report(source, source + "_links", 0,
+                    "{}: there is no {}".format(source, ", ".join(missing)) if missing else None)
 
     def report(self, source, name, seconds, fault):
         self.cases.append((source, name, seconds, fault))
@@ -393,7 +406,8 @@ class Run:
 
     def run_xml(self, bash, block, _):
         name = self.store(bash, block)
-        lines = self.succeed(bash, "flowmere show '{}' >/dev/null".format(name))
+        command = block.only("read") or "flowmere show '{}'".format(name)
+        lines = self.succeed(bash, command + " >/dev/null")
         if lines:
             raise Wrong("is not read without a word: " + "\n".join(lines))
 
@@ -484,7 +498,8 @@ class Run:
         for path in documents() + [WRONG]:
             self.document(path)
         for source, line in sorted(set(NOT_RUN) - self.not_run):
-            self.report(source, source + "_list", 0, "NOT_RUN names a block that is not there: {}: {}".format(source, line))
+            self.report(source, source + "_list", 0,
+                        "NOT_RUN names a block that is not there: {}: {}".format(source, line))
 
     def write_report(self):
         """The cases in the form of a GoogleTest report, for those who count them."""
