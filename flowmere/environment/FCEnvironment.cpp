@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <memory>
 #include <new>
+#include <string>
+#include <string_view>
 #include <utility>
 
 using flowmere::Immortal;
@@ -65,22 +67,39 @@ TuString fullPath(wchar_t const* name) {
     return isPresent(ofUser) ? ofUser : below(baseRoot(), name);
 }
 
+// The file of a script name in a folder. Each block of a document asks for two or three of them, so the path is put
+// together in one piece.
+TuString scriptFile(TuString const& folder, std::wstring_view name) {
+    constexpr std::wstring_view kEnding = L".py";
+    std::wstring path;
+    path.reserve(folder.View().size() + 1 + name.size() + kEnding.size());
+    path += folder.View();
+    path += L'\\';
+    for (wchar_t const character : name) {
+        path += character == L'.' ? L'\\' : character;
+    }
+    path += kEnding;
+    return TuString(std::wstring_view(path));
+}
+
 // The local file of a script name, and whether it is there; the last place is only asked when `isAsked`.
 flowmere::LocalFile localFile(wchar_t const* text, bool isAsked) {
-    TuString const name(text);
-    if (!name.IsEmpty() && isPresent(name)) {
-        return {name, true};
+    std::wstring_view const name = text != nullptr ? std::wstring_view(text) : std::wstring_view();
+    if (!name.empty() && flowmere::isReadableFile(text)) {
+        return {TuString(name), true};
     }
-    if (name.GetLength() > 2 && name.GetAt(1) == L':') {
-        return {name, false};
+    if (name.size() > 2 && name[1] == L':') {
+        return {TuString(name), false};
     }
-    TuString const file = withBackslashesForDots(name) + L".py";
-    TuString const ofUser = below(userRoot(), file);
+    TuString const ofUser = scriptFile(userRoot(), name);
     if (isPresent(ofUser)) {
         return {ofUser, true};
     }
-    TuString const ofBase = below(baseRoot(), file);
-    return {ofBase, isAsked && ofBase != ofUser && isPresent(ofBase)};
+    if (baseRoot() == userRoot()) {
+        return {ofUser, false};
+    }
+    TuString const ofBase = scriptFile(baseRoot(), name);
+    return {ofBase, isAsked && isPresent(ofBase)};
 }
 
 TuString localFilePath(wchar_t const* text) {
@@ -88,7 +107,7 @@ TuString localFilePath(wchar_t const* text) {
 }
 
 TuString macroFilePath(wchar_t const* name) {
-    return below(s_macroBasePath.value, withBackslashesForDots(name)) + L".py";
+    return scriptFile(s_macroBasePath.value, name != nullptr ? std::wstring_view(name) : std::wstring_view());
 }
 
 TuString relativePath(wchar_t const* text) {

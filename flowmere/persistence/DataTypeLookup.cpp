@@ -1,6 +1,7 @@
 #include "flowmere/algorithms/FCNodeHelper.h"
 
 #include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/foundation/Fold.h"
 #include "flowmere/foundation/Immortal.h"
 #include "flowmere/foundation/Paths.h"
 #include "flowmere/foundation/TuFileUtl.h"
@@ -52,9 +53,6 @@ flowmere::Immortal<Absence> absence;
 
 // First entry of the catalog file; null while there is nothing to read. The list node stays as its parent.
 CFCDataTypeNode* readCatalog() {
-    if (flowmere::CatalogAbsence::isKnown()) {
-        return nullptr;
-    }
     TuString const path(CFCEnvironment::GetDataTypeFilePath());
     if (!TuFileUtl::IsFileName(path)) {
         flowmere::CatalogAbsence::note();
@@ -101,6 +99,9 @@ void flowmere::CatalogAbsence::note() {
 }
 
 IFCNode* CFCNodeHelper::GetDataTypeNode(wchar_t const* name) {
+    if (m_pRootNode == nullptr && flowmere::CatalogAbsence::isKnown()) {
+        return nullptr;
+    }
     TuString const key(name);
     if (m_pRootNode == nullptr) {
         m_pRootNode = readCatalog();
@@ -131,9 +132,10 @@ void CFCNodeHelper::SetDataTypeNode(CFCVariableData* variable, wchar_t const* ty
         caption = found->GetNodeCaption();
     }
 
-    constexpr wchar_t const* kArray = L"Array";
+    constexpr std::wstring_view kArray = L"Array";
     constexpr int kArrayLength = 5;
-    if (caption.Right(kArrayLength).CompareNoCase(kArray) == 0) {
+    if (caption.GetLength() >= kArrayLength &&
+        flowmere::equalNoCase(caption.View().substr(caption.View().size() - kArray.size()), kArray)) {
         caption = caption.Left(caption.GetLength() - kArrayLength);
         caption.TrimLeft();
         caption.TrimRight();

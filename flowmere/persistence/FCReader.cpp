@@ -2,6 +2,7 @@
 
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
+#include "flowmere/foundation/Prefetch.h"
 #include "flowmere/model/ConnectorIndex.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockData.h"
@@ -22,7 +23,9 @@
 #include <xercesc/dom/DOM.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <limits>
@@ -52,6 +55,8 @@ constexpr int kPageHeight = 1300;
 constexpr double kOldPageInches = 12.0; // the page of connectors without a version
 constexpr int kOldStartHandle = 6;
 constexpr int kOldEndHandle = 2;
+
+constexpr std::size_t kElementSize = 1024; // what a usual element and its first attributes take in the document
 
 constexpr int kMaxOpenLinks = 32;
 constexpr int kMaxLinks = 4096;
@@ -112,10 +117,26 @@ constexpr TagRow kTags[] = {
 static_assert(std::is_sorted(std::begin(kTags), std::end(kTags),
                              [](TagRow const& left, TagRow const& right) { return left.name < right.name; }));
 
+// Where the rows of each letter begin, and those of the next one: few tags share a letter.
+constexpr auto kTagsByLetter = [] {
+    std::array<std::size_t, 27> begins{};
+    for (std::size_t letter = 0; letter < begins.size(); ++letter) {
+        while (begins[letter] < std::size(kTags) &&
+               static_cast<std::size_t>(kTags[begins[letter]].name.front() - u'A') < letter)
+            ++begins[letter];
+    }
+    return begins;
+}();
+
 Tag tagFor(std::u16string_view name) {
-    auto const row = std::lower_bound(std::begin(kTags), std::end(kTags), name,
-                                      [](TagRow const& left, std::u16string_view right) { return left.name < right; });
-    return row != std::end(kTags) && row->name == name ? row->tag : Tag::Other;
+    if (name.empty() || name.front() < u'A' || name.front() > u'Z')
+        return Tag::Other;
+    auto const letter = static_cast<std::size_t>(name.front() - u'A');
+    for (std::size_t row = kTagsByLetter[letter]; row < kTagsByLetter[letter + 1]; ++row) {
+        if (kTags[row].name == name)
+            return kTags[row].tag;
+    }
+    return Tag::Other;
 }
 
 // Truncates toward zero; a number that no int holds ends at the limits, and NaN is 0.
@@ -423,9 +444,11 @@ bool CFCReader::Load(DOMElement* element, IFCNode* node, IFCNode*) {
                 return true;
             continue;
         }
-        levels.back().next = flowmere::nextElement(level.next);
+        flowmere::prefetch(level.next->getNextSibling(), kElementSize);
         IFCNode* inner = nullptr;
-        if (!loadChild(level.next, level.node, inner)) {
+        bool const isRead = loadChild(level.next, level.node, inner);
+        levels.back().next = flowmere::nextElement(level.next);
+        if (!isRead) {
             // The rest of this element stays unread, and only a caller from outside could tell.
             leave();
             if (levels.empty())

@@ -1,5 +1,7 @@
 #include "flowmere/xml/XmlElements.h"
 
+#include "flowmere/foundation/Prefetch.h"
+
 #include <xercesc/dom/DOM.hpp>
 
 #include <algorithm>
@@ -13,6 +15,11 @@ namespace flowmere {
 namespace {
 
 constexpr std::size_t kNumberLength = 40;
+
+// An attribute stands in front of its text and that in front of its characters; this is how much of them is asked for,
+// and how many attributes ahead.
+constexpr std::size_t kAttributeSize = 320;
+constexpr XMLSize_t kAttributesAhead = 3;
 
 // The value of an attribute that is there. Asking the attribute itself costs a dynamic cast each time, so the text is
 // taken straight from its only child, as nearly all have one.
@@ -140,6 +147,9 @@ void sweepAttributes(xercesc::DOMElement const* element, std::span<std::u16strin
     // name is looked up in the whole table.
     std::size_t at = 0;
     for (XMLSize_t i = 0; i < count; ++i) {
+        if (count - i > kAttributesAhead) {
+            prefetch(attributes->item(i + kAttributesAhead), kAttributeSize);
+        }
         auto const* const attribute = static_cast<xercesc::DOMAttr const*>(attributes->item(i));
         XMLCh const* const name = attribute->getName();
         int order = -1;

@@ -89,10 +89,6 @@ unsigned int hexadecimalOf(std::u16string_view text) noexcept {
 
 } // namespace
 
-std::u16string_view xmlView(XMLCh const* text) noexcept {
-    return text ? std::u16string_view(reinterpret_cast<char16_t const*>(text)) : std::u16string_view();
-}
-
 bool equalsNoCase(std::u16string_view text, std::u16string_view lower) noexcept {
     if (text.size() != lower.size()) {
         return false;
@@ -113,7 +109,12 @@ WideText::WideText(std::u16string_view text) {
         m_text = m_heap.get();
     }
     wchar_t* out = m_text;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    std::size_t plain = 0;
+    for (; plain < text.size() && (text[plain] < 0xD800 || text[plain] > 0xDFFF); ++plain) {
+        out[plain] = static_cast<wchar_t>(text[plain]);
+    }
+    out += plain;
+    for (std::size_t i = plain; i < text.size(); ++i) {
         char32_t const c = text[i];
         if (c < 0xD800 || c > 0xDFFF) {
             *out++ = static_cast<wchar_t>(c);
@@ -245,7 +246,7 @@ bool flagOf(std::u16string_view text, bool& out) noexcept {
     static constexpr Form kForms[] = {{u"true", true}, {u"false", false}, {u"y", true},   {u"n", false},
                                       {u"1", true},    {u"0", false},     {u"yes", true}, {u"no", false}};
     for (Form const& form : kForms) {
-        if (equalsNoCase(text, form.text)) {
+        if (text.size() == form.text.size() && equalsNoCase(text, form.text)) {
             out = form.value;
             return true;
         }

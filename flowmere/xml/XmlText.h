@@ -26,7 +26,9 @@ private:
 };
 
 // DOM text with its length; null gives the empty text.
-std::u16string_view xmlView(XMLCh const* text) noexcept;
+inline std::u16string_view xmlView(XMLCh const* text) noexcept {
+    return text ? std::u16string_view(reinterpret_cast<char16_t const*>(text)) : std::u16string_view();
+}
 
 inline bool equals(XMLCh const* text, std::u16string_view other) noexcept {
     return xmlView(text) == other;
