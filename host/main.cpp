@@ -13,6 +13,7 @@
 #include "host/commands/Library.h"
 #include "host/commands/Man.h"
 #include "host/commands/Run.h"
+#include "host/commands/Schedule.h"
 #include "host/commands/Shell.h"
 #include "host/commands/Show.h"
 #include "host/help/CommandLine.h"
@@ -42,6 +43,7 @@ constexpr AddCommand kCommands[] = {
     addFormat,     //
     addExport,     //
     addImport,     //
+    addSchedule,   //
     addCatalog,    //
     addLibrary,    //
     addCompletion, //

@@ -106,7 +106,7 @@ int exportFolder(Options const& options) {
         toWorkflow(document.process(), [&](CFCBlockNode& block) { return document.scriptState(block); });
     addFindings(document, tree.notes);
     WrittenFolder const written =
-        writeWorkflowFolder({options.folder, options.force}, tree, document, applications.get());
+        writeWorkflowFolder({options.folder, options.force}, tree, &document, applications.get());
 
     if (options.json) {
         Json out = {{"file", options.file},      {"folder", options.folder},        {"levels", tree.levels},

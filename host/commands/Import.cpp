@@ -1,11 +1,10 @@
 #include "host/commands/Import.h"
 
 #include "host/basics/Text.h"
-#include "host/basics/WorkFolder.h"
 #include "host/document/Document.h"
-#include "host/document/ReadBack.h"
 #include "host/document/WorkflowFolder.h"
 #include "host/workflow/FromWorkflow.h"
+#include "host/workflow/NativeDocument.h"
 #include "host/workflow/Report.h"
 
 #include <fmt/format.h>
@@ -29,15 +28,6 @@ struct Options {
     bool json = false;
 };
 
-// Catalogs lie beside the document that is to be.
-void setRoots(std::string const& out) {
-    TuString const folder = libraryPath(fs::absolute(out).lexically_normal().parent_path());
-    CFCEnvironment::SetBasePath(folder);
-    CFCEnvironment::SetProjectPath(folder);
-    CFCEnvironment::SetUserPath(folder);
-    CFCEnvironment::SetMacroBasePath(folder);
-}
-
 std::vector<Note> notesOf(WorkflowFolder const& folder, std::string const& name) {
     std::vector<Note> notes;
     for (CFCWorkflowFinding const& finding : folder.findings)
@@ -45,30 +35,6 @@ std::vector<Note> notesOf(WorkflowFolder const& folder, std::string const& name)
             {Note::Kind::Lost, utf8(finding.place),
              (finding.element.IsEmpty() ? fileOf(finding, name) + ": " : std::string()) + describe(finding)});
     return notes;
-}
-
-// Writes the tree as a document and opens that, for it to be saved. What a document does not keep is noted.
-std::unique_ptr<Document> documentOf(NativeTree& tree, WorkFolder const& work, std::string const& out) {
-    fs::path const file = work.path() / "document.xml";
-    CFCWriter writer;
-    if (!writer.WriteFile(libraryPath(file), tree.process.get(), true))
-        throw Failure(out, "", "cannot be written: the document could not be built");
-    try {
-        auto document = std::make_unique<Document>(file.string());
-        ReadBack const readBack = compareReadBack(*tree.process, document->process());
-        if (readBack.loss)
-            tree.notes.push_back({Note::Kind::Lost, readBack.loss->place,
-                                  fmt::format("{}: a document does not keep it",
-                                              readBack.loss->what.empty() ? "all of it" : readBack.loss->what)});
-        for (std::string const& variable : readBack.respaced)
-            tree.notes.push_back(
-                {Note::Kind::Lost, variable, "white space of its value: a document does not keep all"});
-        return document;
-    } catch (Failure const& failure) {
-        throw Failure(out, "",
-                      std::string("cannot be written: there is no room in ") + work.path().parent_path().string() +
-                          ", or a text holds what XML cannot");
-    }
 }
 
 // The document must not take the place of a file that it is read from.
@@ -83,15 +49,14 @@ void checkTarget(Options const& options) {
 int importFolder(Options const& options) {
     Document::checkCanSave(options.out);
     checkTarget(options);
-    setRoots(options.out);
+    beginDocument(options.out);
     WorkflowFolder const folder = readWorkflowFolder(options.folder);
     fs::path const path = folder.definition.parent_path();
     NativeTree tree = fromWorkflow(*folder.process, path);
     std::vector<Note> notes = notesOf(folder, options.folder);
     notes.insert(notes.end(), tree.notes.begin(), tree.notes.end());
     tree.notes = std::move(notes);
-    WorkFolder const work(options.out);
-    documentOf(tree, work, options.out)->save(options.out);
+    saveDocument(tree, options.out);
 
     bool const isBeside = fs::absolute(options.out).lexically_normal().parent_path() == path;
     if (options.json) {

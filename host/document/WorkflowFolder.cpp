@@ -31,10 +31,6 @@ fs::path nativePath(wchar_t const* path) {
     return text;
 }
 
-std::string localName(std::string const& name) {
-    return name.substr(name.find(':') + 1);
-}
-
 std::vector<IFCNode*> nodesBelow(IFCNode& root) {
     std::vector<IFCNode*> nodes{&root};
     for (std::size_t place = 0; place < nodes.size(); ++place)

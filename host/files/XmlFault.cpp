@@ -46,4 +46,8 @@ std::string rootElement(std::filesystem::path const& file) {
     return {};
 }
 
+std::string localName(std::string const& name) {
+    return name.substr(name.find(':') + 1);
+}
+
 } // namespace flowmere::host

@@ -19,5 +19,7 @@ void checkIsXml(std::filesystem::path const& path, std::string const& file);
 
 // Name of the first element of a file; empty where it is not found, as in UTF-16. The file is known to be well formed.
 std::string rootElement(std::filesystem::path const& file);
+// The name of an element without its prefix.
+std::string localName(std::string const& name);
 
 } // namespace flowmere::host

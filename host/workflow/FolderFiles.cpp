@@ -64,7 +64,7 @@ bool isInside(fs::path const& path) {
 
 class Writing {
 public:
-    Writing(FolderTarget const& target, WorkflowTree& tree, Document const& document)
+    Writing(FolderTarget const& target, WorkflowTree& tree, Document const* document)
         : m_target(target), m_tree(tree), m_document(document),
           m_folder(target.name, innerPath(SafeFolder::destinationOf(target.name)), target.replaces, kDefinitionFile) {}
 
@@ -72,7 +72,8 @@ public:
         makeFolders(*m_tree.process);
         for (auto const& [source, node] : m_tree.blocks)
             writeScripts(*source, *node);
-        writeDataFiles();
+        if (m_document != nullptr)
+            writeDataFiles(*m_document);
         CFCProcessDefinitionWriter definition;
         CFCWorkFlowWriter summary;
         if (!definition.WriteFile(libraryFile(kDefinitionFile), m_tree.process.get(), true) ||
@@ -121,10 +122,11 @@ private:
     void writeScripts(CFCBlockNode& source, CFCBPMTaskNode& node) {
         fs::path const own = folderOf(node);
         TuString const parent = libraryFile(own.parent_path());
-        carryForms(source, node);
+        if (m_document != nullptr)
+            carryForms(*m_document, source, node);
         node.SetScriptFile(node.GetNodeId(), parent);
-        if (runsScript(node.GetNodeType()))
-            readScript(source, node, own);
+        if (m_document != nullptr && runsScript(node.GetNodeType()))
+            readScript(*m_document, source, node, own);
         if (!isEmpty(node.GetJythonScriptCode()))
             node.UpdateModulePath(parent, node.GetNodeId());
         struct Row {
@@ -155,10 +157,10 @@ private:
     }
 
     // The forms of a block of a workflow folder, which readers of folders leave in their files.
-    void carryForms(CFCBlockNode& source, CFCBPMTaskNode& node) const {
-        if (source.GetBPMBlockData() == nullptr || m_document.process().GetNodeType() != eShapeType_WorkflowProcess)
+    static void carryForms(Document const& document, CFCBlockNode& source, CFCBPMTaskNode& node) {
+        if (source.GetBPMBlockData() == nullptr || document.process().GetNodeType() != eShapeType_WorkflowProcess)
             return;
-        fs::path const own = m_document.path().parent_path() / folderOf(source);
+        fs::path const own = document.path().parent_path() / folderOf(source);
         std::string const name = utf8(source.GetNodeId());
         auto const text = [&](std::string const& file, wchar_t const* present) {
             return isEmpty(present) ? wide(contentOf(own / file)) : TuString(present);
@@ -169,17 +171,17 @@ private:
         node.SetJSScriptCode(text("scripts/" + name + ".js", node.GetJSScriptCode()));
     }
 
-    void readScript(CFCBlockNode& source, CFCBPMTaskNode& node, fs::path const& own) {
-        if (m_document.scriptState(source) != ScriptState::Found)
+    void readScript(Document const& document, CFCBlockNode& source, CFCBPMTaskNode& node, fs::path const& own) {
+        if (document.scriptState(source) != ScriptState::Found)
             return;
-        std::string const scriptName = m_document.scriptName(source);
-        std::optional<fs::path> const file = m_document.scriptFile(source);
+        std::string const scriptName = document.scriptName(source);
+        std::optional<fs::path> const file = document.scriptFile(source);
         if (!file)
             return;
         std::string const className = scriptName.substr(scriptName.rfind('.') + 1);
         std::string const name = utf8(node.GetNodeId());
         BlockScript const script = readBlockScript(
-            *file, className, name, [this](std::string const& module) { return m_document.scriptFile(module); });
+            *file, className, name, [&document](std::string const& module) { return document.scriptFile(module); });
         std::string const place = pathOf(source);
         node.SetJythonScriptCode(wide(script.code));
         if (className != name)
@@ -230,7 +232,7 @@ private:
     }
 
     // What scripts open by the value of a file variable lies beside the document.
-    void writeDataFiles() {
+    void writeDataFiles(Document const& document) {
         std::vector<IFCNode*> nodes{m_tree.process.get()};
         for (auto const& [source, node] : m_tree.blocks)
             nodes.push_back(node);
@@ -243,7 +245,7 @@ private:
                 std::string value = utf8(variable->GetValue());
                 std::replace(value.begin(), value.end(), '\\', '/');
                 fs::path const file = fs::path(value).lexically_normal();
-                fs::path const source = m_document.path().parent_path() / file;
+                fs::path const source = document.path().parent_path() / file;
                 std::error_code error;
                 if (isInside(file) && fs::is_regular_file(source, error))
                     copyFile(source, file, pathOf(*node) + "." + utf8(variable->GetVariableName()));
@@ -281,14 +283,14 @@ private:
 
     FolderTarget const& m_target;
     WorkflowTree& m_tree;
-    Document const& m_document;
+    Document const* m_document; // null for a tree without scripts and files
     SafeFolder m_folder;
     WrittenFolder m_written;
 };
 
 } // namespace
 
-WrittenFolder writeWorkflowFolder(FolderTarget const& target, WorkflowTree& tree, Document const& document,
+WrittenFolder writeWorkflowFolder(FolderTarget const& target, WorkflowTree& tree, Document const* document,
                                   IFCNode* applications) {
     return Writing(target, tree, document).write(applications);
 }

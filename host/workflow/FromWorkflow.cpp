@@ -213,7 +213,7 @@ private:
         name += "scripts." + entry.id;
         std::error_code error;
         node.SetScriptType(EScriptType_PYTHON);
-        if (!entry.id.empty() && fs::is_regular_file(file, error)) {
+        if (!m_folder.empty() && !entry.id.empty() && fs::is_regular_file(file, error)) {
             node.SetScriptName(wide(name));
             ++m_result.scripts;
         } else {
@@ -395,7 +395,7 @@ private:
                           "flow takes no other by itself");
         for (std::size_t number = 0; number < ways.size(); ++number) {
             auto const [way, end] = ways[number];
-            int const out = isDefault ? kWaysOut[number % kWaysOut.size()] : way->GetStartHandle();
+            int const out = isDefault ? wayOut(number) : way->GetStartHandle();
             int const in = isDefault ? static_cast<int>(EPortHandle_TopMiddle) : way->GetEndHandle();
             carryWay(*way, *m_made[index], out, *end, in, container);
         }
@@ -477,6 +477,10 @@ private:
 };
 
 } // namespace
+
+int wayOut(std::size_t number) {
+    return kWaysOut[number % kWaysOut.size()];
+}
 
 NativeTree fromWorkflow(IFCNode& process, fs::path const& folder) {
     return Conversion(process, folder).convert();

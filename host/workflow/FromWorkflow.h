@@ -7,6 +7,7 @@
 
 #include "flowmere/Flowmere.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <vector>
 
@@ -25,7 +26,12 @@ struct NativeTree {
 // application, decision tasks decisions, states terminators, and sub-processes sub-processes; what documents know no
 // other form of stays a workflow node. States that an export has added go. Scripts are those of the folder, under the
 // names that they have from there. Where a block has no script, and its transitions do not say by which grips they
-// leave, they get such that the flow goes on. What a document cannot hold is left out, and told.
+// leave, they get such that the flow goes on. What a document cannot hold is left out, and told. An empty path stands
+// for a folder without scripts.
 NativeTree fromWorkflow(IFCNode& process, std::filesystem::path const& folder);
+
+// The grip by which the connector of this number leaves its block, where nothing says otherwise: the first is the one
+// that the flow takes by itself.
+int wayOut(std::size_t number);
 
 } // namespace flowmere::host

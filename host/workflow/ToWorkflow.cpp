@@ -3,12 +3,12 @@
 #include "host/basics/Command.h"
 #include "host/basics/Text.h"
 #include "host/document/Tree.h"
+#include "host/workflow/Names.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <memory>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -19,11 +19,6 @@ namespace {
 
 constexpr wchar_t kActiveSetup[] = L"ActiveSetup";
 constexpr std::size_t kRouteRoom = CFCTransitionData::kPointCount;
-
-// Names are one and the same for the readers whatever their case.
-struct NameLess {
-    bool operator()(TuString const& left, TuString const& right) const { return left.CompareNoCase(right) < 0; }
-};
 
 bool isEmpty(wchar_t const* text) {
     return text == nullptr || *text == L'\0';
@@ -48,13 +43,6 @@ bool isPriority(std::wstring_view text) {
     return text.size() > sign && text.size() < 10 &&
            std::all_of(text.begin() + static_cast<std::ptrdiff_t>(sign), text.end(),
                        [](wchar_t digit) { return digit >= L'0' && digit <= L'9'; });
-}
-
-// What stands in the place of characters that names cannot have: points and separators divide paths.
-wchar_t letterFor(wchar_t letter) {
-    if (letter == L'/' || letter == L'\\' || letter == L'.')
-        return L'_';
-    return letter < L' ' || letter == L'\x7f' ? L' ' : letter;
 }
 
 template <typename List, typename Visit>
@@ -125,9 +113,9 @@ void copyRecord(CFCBPMBlockData& from, CFCBPMBlockData& to) {
 
 class Conversion {
 public:
-    Conversion(CFCProcessNode& process, std::function<ScriptState(CFCBlockNode&)> const& scriptState)
-        : m_source(process), m_tree(process), m_scriptState(scriptState), m_made(m_tree.nodes().size()),
-          m_isRenamed(m_tree.nodes().size()), m_hasWayIn(m_tree.nodes().size()) {}
+    Conversion(CFCProcessNode& process, std::function<ScriptState(CFCBlockNode&)> const& scriptState, bool isSchedule)
+        : m_source(process), m_isSchedule(isSchedule), m_tree(process), m_scriptState(scriptState),
+          m_made(m_tree.nodes().size()), m_isRenamed(m_tree.nodes().size()), m_hasWayIn(m_tree.nodes().size()) {}
 
     WorkflowTree convert() {
         m_isWorkflow = isWorkflow();
@@ -157,7 +145,7 @@ private:
     };
     struct Level {
         std::vector<Child> children;
-        std::set<TuString, NameLess> names;
+        LevelNames names;
         std::size_t first = kNone; // the block in which the flow starts
     };
 
@@ -176,6 +164,8 @@ private:
     }
 
     bool isWorkflow() const {
+        if (m_isSchedule)
+            return false;
         if (m_source.GetNodeType() == eShapeType_WorkflowProcess)
             return true;
         std::vector<TreeNode> const& nodes = m_tree.nodes();
@@ -274,6 +264,9 @@ private:
         }
         if (CFCBlockNode* const first = m_tree.firstBlock(container))
             level.first = m_tree.indexOf(static_cast<IFCNode*>(first));
+        // Nobody has joined its tasks: the first one comes first.
+        if (m_isSchedule && !blocks.empty() && !m_tree.hasClearStart(container))
+            level.first = blocks.front();
         // The engine goes by the start state, wherever a document would begin.
         auto const start = std::find_if(blocks.begin(), blocks.end(), [&](std::size_t child) {
             return m_tree.nodes()[child].node->GetNodeType() == eShapeType_StartState && !m_hasWayIn[child];
@@ -291,7 +284,7 @@ private:
         // Those that can keep their names come first.
         for (Child& child : level.children) {
             TuString const wanted(m_tree.nodes()[child.index].node->GetNodeId());
-            if (safeName(wanted) == wanted && !wanted.IsEmpty() && level.names.insert(wanted).second)
+            if (safeName(wanted) == wanted && !wanted.IsEmpty() && level.names.take(wanted))
                 child.name = wanted;
         }
         for (Child& child : level.children)
@@ -307,20 +300,6 @@ private:
         return entry.path + (entry.path.empty() ? "\"" : ".\"") + utf8(entry.node->GetNodeCaption()) + "\"";
     }
 
-    static TuString safeName(TuString const& text) {
-        TuString name;
-        for (wchar_t const letter : text.View())
-            name += letterFor(letter);
-        return name;
-    }
-
-    static TuString uniqueName(TuString const& wanted, Level& level) {
-        TuString name = wanted;
-        for (int number = 2; !level.names.insert(name).second; ++number)
-            name.Format(L"%s_%d", static_cast<wchar_t const*>(wanted), number);
-        return name;
-    }
-
     void rename(Child& child, Level& level) {
         TreeNode const& entry = m_tree.nodes()[child.index];
         TuString wanted = safeName(TuString(entry.node->GetNodeId()));
@@ -328,7 +307,7 @@ private:
             wanted = safeName(TuString(entry.node->GetNodeCaption()));
         if (wanted.IsEmpty())
             wanted = wide(kindName(entry.node->GetNodeType()));
-        child.name = uniqueName(wanted, level);
+        child.name = level.names.takeUnique(wanted);
         m_isRenamed[child.index] = true;
         std::string const why = entry.id.empty() ? "the engine knows nodes by their names"
                                 : wanted != child.name || safeName(TuString(entry.node->GetNodeId())) == child.name
@@ -611,7 +590,7 @@ private:
         auto* const node = dynamic_cast<CFCBPMTaskNode*>(newNode(kind));
         container.AppendChild(node, false);
         node->SetNodeCaption(isStart ? L"Start" : L"End");
-        node->SetNodeId(uniqueName(TuString(isStart ? L"Start" : L"End"), level));
+        node->SetNodeId(level.names.takeUnique(TuString(isStart ? L"Start" : L"End")));
         node->SetTaskCaption(node->GetNodeCaption());
         node->SetNodeDescription(isStart ? kAddedStart : kAddedEnd);
         node->SetDrawBorder(true);
@@ -767,6 +746,7 @@ private:
     }
 
     CFCProcessNode& m_source;
+    bool m_isSchedule; // whose tasks are those of a workflow, and which knows neither start nor end
     Tree m_tree;
     std::function<ScriptState(CFCBlockNode&)> const& m_scriptState;
     std::vector<IFCNode*> m_made; // by the index of their source; null for what is not carried
@@ -786,7 +766,16 @@ _TgPointLStr* WorkflowConnector::GetEndPoint() {
 }
 
 WorkflowTree toWorkflow(CFCProcessNode& process, std::function<ScriptState(CFCBlockNode&)> const& scriptState) {
-    return Conversion(process, scriptState).convert();
+    return Conversion(process, scriptState, false).convert();
+}
+
+WorkflowTree scheduleToWorkflow(CFCProcessNode& process) {
+    WorkflowTree tree = Conversion(
+                            process, [](CFCBlockNode&) { return ScriptState::None; }, true)
+                            .convert();
+    // From now on an engine runs it.
+    static_cast<CFCBPMProcessNode&>(*tree.process).SetProjectType(EProjectType_TASK);
+    return tree;
 }
 
 } // namespace flowmere::host

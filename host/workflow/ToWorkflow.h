@@ -41,5 +41,7 @@ struct WorkflowTree {
 // - what a workflow folder cannot hold is left out, and told
 // Scripts are left to the caller.
 WorkflowTree toWorkflow(CFCProcessNode& process, std::function<ScriptState(CFCBlockNode&)> const& scriptState);
+// The same for a schedule: workflow nodes without scripts that still lack start and end, and that may not be joined.
+WorkflowTree scheduleToWorkflow(CFCProcessNode& process);
 
 } // namespace flowmere::host
