@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -28,6 +29,38 @@ std::string causeOf(int error) {
 bool swapped(fs::path const& first, fs::path const& second) {
     return ::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE) == 0;
 }
+
+// Lies in each staging folder that is locked by who fills it. Where nothing can be locked there is none.
+constexpr char kStagingMark[] = ".flowmere-new";
+constexpr std::size_t kRandomLetters = 6;
+// Where the old folder goes in it, where two cannot be swapped in one step.
+constexpr char kOld[] = "old";
+
+// What the names of the staging folders of a target begin with.
+std::string stagingName(fs::path const& destination) {
+    constexpr std::size_t kLongest = 200;
+    return "." + destination.filename().string().substr(0, kLongest) + ".";
+}
+
+// A folder that is open, and locked when nobody else holds it.
+class LockedFolder {
+public:
+    explicit LockedFolder(fs::path const& path)
+        : m_file(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)),
+          m_isLocked(m_file >= 0 && systemCalls().flock(m_file, LOCK_EX | LOCK_NB) == 0) {}
+    ~LockedFolder() {
+        if (m_file >= 0)
+            ::close(m_file);
+    }
+    LockedFolder(LockedFolder const&) = delete;
+    LockedFolder& operator=(LockedFolder const&) = delete;
+
+    bool isLocked() const { return m_isLocked; }
+
+private:
+    int m_file;
+    bool m_isLocked;
+};
 
 } // namespace
 
@@ -54,8 +87,8 @@ SafeFolder::SafeFolder(std::string const& target, fs::path const& inner, bool re
         throw Failure("", "", "the name of the folder is empty");
     m_destination = destinationOf(target);
     check(replaces, mark);
-    std::string name =
-        (m_destination.parent_path() / ("." + m_destination.filename().string().substr(0, 200) + ".XXXXXX"));
+    removeStale();
+    std::string name = m_destination.parent_path() / (stagingName(m_destination) + std::string(kRandomLetters, 'X'));
     if (::mkdtemp(name.data()) == nullptr)
         fail("the folder " + m_destination.parent_path().string() + " takes no new folder: " + causeOf(errno));
     m_staging = name;
@@ -67,6 +100,44 @@ SafeFolder::SafeFolder(std::string const& target, fs::path const& inner, bool re
         int const cause = error ? error.value() : errno;
         fs::remove_all(m_staging, error);
         fail(cause);
+    }
+    markOwn();
+}
+
+void SafeFolder::markOwn() const {
+    if (systemCalls().flock(m_file, LOCK_EX | LOCK_NB) != 0)
+        return;
+    int const file = ::openat(m_file, kStagingMark, O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (file >= 0)
+        ::close(file);
+}
+
+void SafeFolder::removeStale() const {
+    std::string const start = stagingName(m_destination);
+    std::error_code error;
+    for (fs::directory_iterator entry(m_destination.parent_path(), error), end; !error && entry != end;
+         entry.increment(error)) {
+        fs::path const path = entry->path();
+        std::string const name = path.filename().string();
+        if (!name.starts_with(start) || name.size() != start.size() + kRandomLetters)
+            continue;
+        LockedFolder const folder(path);
+        std::error_code problem;
+        if (!folder.isLocked() || !fs::exists(path / kStagingMark, problem))
+            continue;
+        // Killed between two renames: what stood at the target stands there alone.
+        if (fs::exists(path / kOld, problem) && !fs::exists(m_destination, problem)) {
+            printError(errorLine((path / kOld).string(), "",
+                                 fmt::format("is what stood at {} before a program was killed that replaced it",
+                                             m_destination.string())) +
+                       "\n");
+            continue;
+        }
+        fs::remove_all(path, problem);
+        if (problem)
+            printError(errorLine(path.string(), "",
+                                 "is left of a program that was killed, and cannot be removed: " + problem.message()) +
+                       "\n");
     }
 }
 
@@ -140,7 +211,7 @@ void SafeFolder::exchange() {
         return;
     if (errno != ENOSYS && errno != EINVAL)
         fail(errno);
-    fs::path const old = m_staging / "old";
+    fs::path const old = m_staging / kOld;
     if (systemCalls().rename(m_destination.c_str(), old.c_str()) != 0)
         fail(errno);
     if (systemCalls().rename(m_path.c_str(), m_destination.c_str()) == 0)

@@ -8,7 +8,8 @@
 namespace flowmere::host {
 
 // A new folder beside its target. Once all is in it, commit() puts it into the target's place; until then the target
-// stays as it is, whatever happens to the program.
+// stays as it is, whatever happens to the program. The folder in which it comes into being is marked and locked, so
+// that what a killed program left behind is known for what it is, and goes with the next one for the same target.
 class SafeFolder {
 public:
     // Takes the target as the user named it; the new folder comes to stand below its parent, in a folder of its own,
@@ -37,6 +38,9 @@ private:
     [[noreturn]] void fail(std::string const& cause) const;
     [[noreturn]] void fail(int error) const;
     void check(bool replaces, std::string const& mark);
+    void removeStale() const;
+    // Marks the staging folder as one of these, once it is locked.
+    void markOwn() const;
     void exchange();
 
     std::string m_target;

@@ -11,7 +11,9 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
+#include <sys/types.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -79,8 +81,20 @@ void setText(PyConfig& config, wchar_t*& field, fs::path const& path) {
     check(::PyConfig_SetBytesString(&config, &field, path.c_str()));
 }
 
+// A script that puts another program in the place of this one would end the run without a word, as a success of that
+// program. Processes that it forks off may become what they like. `data` is the process in which the program runs.
+int refuseReplacing(char const* event, PyObject*, void* data) {
+    if (std::strcmp(event, "os.exec") != 0 || ::getpid() != *static_cast<pid_t const*>(data))
+        return 0;
+    ::PyErr_SetString(PyExc_RuntimeError,
+                      "a script cannot put another program in the place of this one; subprocess starts one beside it");
+    return -1;
+}
+
 void initialise() {
     registerHostModule();
+    static pid_t const owner = ::getpid();
+    ::PySys_AddAuditHook(refuseReplacing, const_cast<pid_t*>(&owner));
     PyPreConfig before;
     ::PyPreConfig_InitIsolatedConfig(&before);
     before.utf8_mode = 1;

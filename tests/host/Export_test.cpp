@@ -20,6 +20,8 @@
 #include <memory>
 #include <optional>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -33,7 +35,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::SizeIs;
 using testing::StartsWith;
+using testing::UnorderedElementsAre;
 
 fs::path const kBeam = fs::path(FLOWMERE_EXAMPLES) / "beam";
 
@@ -729,6 +733,84 @@ TEST_F(SafeFolderTest, ALinkStaysOne) {
     }
     EXPECT_TRUE(fs::is_symlink(scratch / "link"));
     EXPECT_EQ(scratch.read("real/file"), "x");
+}
+
+// What a program leaves behind that is killed while it fills a folder: the name of that.
+class KilledFolder : public SafeFolderTest {
+protected:
+    std::string leftBehind() {
+        pid_t const child = ::fork();
+        if (child == 0) {
+            host::SafeFolder const folder(target(), "in/out", false, "mark.xml");
+            writeFile(folder.path() / "half", "x");
+            ::_exit(0);
+        }
+        ::waitpid(child, nullptr, 0);
+        for (std::string const& name : entriesOf(scratch.path()))
+            if (name.starts_with(".out."))
+                return name;
+        return "";
+    }
+    void make(std::string const& name = "out") const {
+        host::SafeFolder folder(target(name), "in/out", true, "mark.xml");
+        writeFile(folder.path() / "mark.xml", "new");
+        folder.commit();
+    }
+};
+
+TEST_F(KilledFolder, GoesWithTheNextOfTheSameTarget) {
+    ASSERT_NE(leftBehind(), "");
+    std::string const left = leftBehind();
+    ASSERT_NE(left, "");
+    EXPECT_THAT(entriesOf(scratch.path()), SizeIs(1)) << "each removes what the one before left";
+    make("other");
+    EXPECT_THAT(entriesOf(scratch.path()), UnorderedElementsAre(left, "other"));
+    make();
+    EXPECT_THAT(entriesOf(scratch.path()), UnorderedElementsAre("out", "other"));
+    EXPECT_THAT(entriesOf(scratch / "out"), ElementsAre("mark.xml"));
+}
+
+TEST_F(KilledFolder, StaysWhileItIsFilledAndWhenItIsOfAnotherKind) {
+    scratch.write(".out.abcdef/thing", "mine");
+    scratch.write(".out.file12", "mine");
+    scratch.write(".out.longer-than-that/.flowmere-new", "");
+    scratch.write("elsewhere/.flowmere-new", "");
+    fs::create_symlink("elsewhere", scratch / ".out.link12");
+    {
+        host::SafeFolder first(target(), "in/out", false, "mark.xml");
+        writeFile(first.path() / "file", "x");
+        make();
+        EXPECT_EQ(readFile(first.path() / "file"), "x");
+    }
+    EXPECT_THAT(entriesOf(scratch.path()), UnorderedElementsAre(".out.abcdef", ".out.file12", ".out.link12",
+                                                                ".out.longer-than-that", "elsewhere", "out"));
+    EXPECT_TRUE(fs::exists(scratch / "elsewhere/.flowmere-new"));
+}
+
+TEST_F(KilledFolder, StaysWhereNothingCanBeLocked) {
+    host::SystemCalls const calls = host::systemCalls();
+    host::systemCalls().flock = [](int, int) {
+        errno = ENOLCK;
+        return -1;
+    };
+    std::string const left = leftBehind();
+    host::systemCalls() = calls;
+    make();
+    EXPECT_THAT(entriesOf(scratch.path()), UnorderedElementsAre(left, "out"));
+}
+
+TEST_F(KilledFolder, IsNamedWhenItHoldsTheOnlyOldFolder) {
+    std::string const left = leftBehind();
+    scratch.write(left + "/old/mark.xml", "precious");
+    testing::internal::CaptureStderr();
+    make();
+    EXPECT_EQ(withName(testing::internal::GetCapturedStderr(), scratch.path().string(), "SCRATCH"),
+              "flowmere: SCRATCH/" + left +
+                  "/old: is what stood at SCRATCH/out before a program was killed that replaced it\n");
+    EXPECT_EQ(scratch.read(left + "/old/mark.xml"), "precious");
+    // Once something stands at the target again, the old one is of no use.
+    make();
+    EXPECT_THAT(entriesOf(scratch.path()), ElementsAre("out"));
 }
 
 TEST_F(SafeFolderTest, AFailedRenameLeavesTheTargetAlone) {
