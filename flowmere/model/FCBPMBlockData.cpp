@@ -300,7 +300,6 @@ CFCBPMBlockData* CFCBPMTaskNode::GetBPMBlockData() {
 void CFCBPMTaskNode::SetNodeId(wchar_t const* id) {
     TuString const text(id); // may be one of the three texts themselves
     CFCBlockNode::SetNodeId(text);
-    SetBlockID(text);
     SetTaskName(text);
 }
 

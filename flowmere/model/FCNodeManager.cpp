@@ -9,16 +9,11 @@
 
 namespace {
 
-struct Entry {
-    IFCNode* node = nullptr;
-    int handle = 0;
-};
-
 constexpr std::size_t kFirstCapacity = 1000;
 
 // Indexed by handle. Nodes of the host may die at the very end of the process, so the table never does.
-std::vector<Entry>& entries() {
-    static flowmere::Immortal<std::vector<Entry>> s_entries;
+std::vector<IFCNode*>& entries() {
+    static flowmere::Immortal<std::vector<IFCNode*>> s_entries;
     return *s_entries;
 }
 
@@ -28,22 +23,22 @@ int s_highestHandle = 0;
 } // namespace
 
 IFCNode* flowmere::livingNode(int handle) noexcept {
-    std::vector<Entry> const& table = entries();
-    return handle > 0 && static_cast<std::size_t>(handle) < table.size() ? table[static_cast<std::size_t>(handle)].node
+    std::vector<IFCNode*> const& table = entries();
+    return handle > 0 && static_cast<std::size_t>(handle) < table.size() ? table[static_cast<std::size_t>(handle)]
                                                                          : nullptr;
 }
 
 IFCNode* CFCNodeManager::GetNode(int handle) {
-    std::vector<Entry> const& table = entries();
+    std::vector<IFCNode*> const& table = entries();
     if (handle > 0 && static_cast<std::size_t>(handle) > table.size()) {
         return nullptr;
     }
     // A negative handle turns into an index that no table reaches.
-    return table.at(static_cast<std::size_t>(handle)).node;
+    return table.at(static_cast<std::size_t>(handle));
 }
 
 void CFCNodeManager::SetNode(int handle, IFCNode* node) {
-    std::vector<Entry>& table = entries();
+    std::vector<IFCNode*>& table = entries();
     if (handle < 0 || (node == nullptr && static_cast<std::size_t>(handle) >= table.size())) {
         return;
     }
@@ -55,9 +50,9 @@ void CFCNodeManager::SetNode(int handle, IFCNode* node) {
     if (table.capacity() < index) {
         table.reserve(2 * index);
     }
-    while (table.size() <= index) {
-        table.push_back({nullptr, static_cast<int>(table.size())});
+    if (table.size() <= index) {
+        table.resize(index + 1);
     }
     s_highestHandle = std::max(s_highestHandle, handle);
-    table[index].node = node;
+    table[index] = node;
 }

@@ -1,6 +1,7 @@
 #include "flowmere/workflow/FCMSPReader.h"
 
 #include "flowmere/foundation/Fold.h"
+#include "flowmere/foundation/Prefetch.h"
 #include "flowmere/foundation/TuDate.h"
 #include "flowmere/model/FCBPMBlockData.h"
 #include "flowmere/model/FCBlockData.h"
@@ -35,6 +36,8 @@ constexpr int kLineThickness = 2;
 constexpr int kPenType = 0;
 constexpr unsigned int kLineColor = 0;
 constexpr unsigned int kFillColor = 0xF6B381;
+
+constexpr std::size_t kElementSize = 512; // what an element and its text take in the document
 
 enum class Tag { Finish, Milestone, Name, Other, PredecessorLink, PredecessorUID, Start, Task, Tasks, Type, UID, WBS };
 
@@ -263,9 +266,10 @@ bool CFCMSPReader::Load(DOMElement* element, IFCNode* node, int) {
             Attach(done);
             continue;
         }
-        levels.back().next = flowmere::nextElement(child);
+        flowmere::prefetch(child->getNextSibling(), kElementSize);
         Inner inner;
         loadChild(levels.back(), child, inner);
+        levels.back().next = flowmere::nextElement(child);
         if (inner.node != nullptr)
             open(child, inner);
     }
@@ -306,8 +310,10 @@ void CFCMSPReader::loadChild(Level const& level, DOMElement* child, Inner& inner
             level.task->SetMilestone(OwnText(child).view() == u"1");
         break;
     case Tag::Start:
+        loadDate(level, child, true);
+        break;
     case Tag::Finish:
-        loadDate(level, child, tagFor(child) == Tag::Start);
+        loadDate(level, child, false);
         break;
     case Tag::UID:
         loadUID(level, child);
