@@ -1,8 +1,14 @@
 #include "host/workflow/Names.h"
 
+#include "host/basics/Text.h"
+
 namespace flowmere::host {
 
 namespace {
+
+// In bytes: files beside a script have its name and an ending, and a number may follow.
+constexpr std::size_t kLongest = 200;
+constexpr int kAlwaysFits = kLongest / 4;
 
 wchar_t letterFor(wchar_t letter) {
     if (letter == L'/' || letter == L'\\' || letter == L'.')
@@ -16,6 +22,8 @@ TuString safeName(TuString const& text) {
     TuString name;
     for (wchar_t const letter : text.View())
         name += letterFor(letter);
+    while (name.GetLength() > kAlwaysFits && utf8(name).size() > kLongest)
+        name = name.Left(name.GetLength() - 1);
     return name;
 }
 

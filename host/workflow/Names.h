@@ -9,7 +9,8 @@
 
 namespace flowmere::host {
 
-// The text with "_" for points and separators, which divide paths, and blanks for control characters.
+// The text with "_" for points and separators, which divide paths, and blanks for control characters, cut off where it
+// is too long for a file's name.
 TuString safeName(TuString const& text);
 
 // The names of one level, which are one and the same for the readers whatever their case.

@@ -160,10 +160,10 @@ private:
         for (IFCNode* const task : m_grown)
             changed(pathOf(*task), "becomes a super-state: there are tasks in it");
         if (m_empty > 0)
-            changed("", m_empty == 1 ? "no task is in one of the super-states: Type 1, or a WBS as 1.2, makes it one"
-                                     : fmt::format("no task is in {} of the super-states: Type 1, or a WBS as 1.2, "
-                                                   "makes them such",
-                                                   m_empty));
+            changed("",
+                    fmt::format("no task is in {} of the super-states, and the flow needs one to go through: Type 1, "
+                                "or a WBS as 1.2, makes super-states",
+                                m_empty));
     }
 
     void nameLevel(IFCNode& container) {

@@ -270,8 +270,8 @@ TEST_F(Schedule, ATaskThatHoldsOthersIsASuperState) {
                                           task("3", "Leaf", "0", "1.1.1") + task("4", "Bare", "", "1.2")));
     EXPECT_EQ(ran.exitCode, 0) << ran.out << ran.err;
     EXPECT_THAT(ran.out, AllOf(HasSubstr("~ Full: becomes a super-state: there are tasks in it\n"),
-                               HasSubstr("~ no task is in one of the super-states: Type 1, or a WBS as 1.2, makes it "
-                                         "one\n"),
+                               HasSubstr("~ no task is in 1 of the super-states, and the flow needs one to go through: "
+                                         "Type 1, or a WBS as 1.2, makes super-states\n"),
                                HasSubstr(": 2 super-states, 2 task blocks, 0 left out;")));
     EXPECT_THAT(shown(), AllOf(HasSubstr("  Empty: block"), HasSubstr("\n    Leaf: block")));
 }
@@ -357,6 +357,25 @@ TEST_F(Schedule, NamesThatPathsDoNotTakeAreChangedAsInAnExport) {
         EXPECT_THAT(shown(out), AllOf(HasSubstr("  A_B_C_D \"A/B.C\\D\": "), HasSubstr("-> Fit_2, ")));
     }
     EXPECT_TRUE(fs::is_directory(scratch / "folder/A_B_C_D"));
+}
+
+TEST_F(Schedule, LongNamesAreCutToWhatFoldersTake) {
+    std::string name;
+    for (int count = 0; count < 255; ++count)
+        name += "\xC3\xA4";
+    std::string const text = project(task("1", name, "1", "2") + task("2", name, "1", "3", after("1")));
+    ProgramRun const ran = import(text, {"--connect"}, "folder");
+    EXPECT_EQ(ran.exitCode, 0) << ran.err;
+    EXPECT_TRUE(fs::is_directory(scratch / "folder" / name.substr(0, 200)));
+    EXPECT_TRUE(fs::is_directory(scratch / "folder" / (name.substr(0, 200) + "_2")));
+    EXPECT_THAT(shown("folder"), HasSubstr("\"" + name + "\": task"));
+}
+
+TEST(SafeName, IsCutBetweenLetters) {
+    EXPECT_EQ(host::utf8(host::safeName(host::wide("a/b\\c.d\te"))), "a_b_c_d e");
+    EXPECT_EQ(host::utf8(host::safeName(host::wide(std::string(200, 'x')))), std::string(200, 'x'));
+    EXPECT_EQ(host::utf8(host::safeName(host::wide(std::string(201, 'x')))), std::string(200, 'x'));
+    EXPECT_EQ(host::utf8(host::safeName(host::wide(std::string(199, 'x') + "\xC3\xA4"))), std::string(199, 'x'));
 }
 
 TEST(LevelNames, FindAFreeNumberForEachName) {
