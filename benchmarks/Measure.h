@@ -7,10 +7,12 @@
 #include <ctime>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
-// Times of a side of ours and a bare one that are run in turn, at two sizes.
+// Times of a side of ours and a bare one that are run in turn, at sizes that grow tenfold.
 
+constexpr int kTiny = 1000;
 constexpr int kSmall = 10000;
 constexpr int kLarge = 100000;
 
@@ -53,27 +55,18 @@ private:
     std::vector<double> m_ratios;
 };
 
-// Times of what is measured at kSmall, for the growth to kLarge.
-struct SmallTimes {
-    double ours = 0.0;
-    double bare = 0.0;
-};
-
-inline SmallTimes& timesOfSmall(char const* what) {
-    static std::map<std::string, SmallTimes> times;
-    return times[what];
-}
-
-inline void report(benchmark::State& state, char const* what, int count, Sides const& sides, char const* target) {
+// The counters of a benchmark, with the growth since the same was measured at a tenth of the size.
+inline void report(benchmark::State& state, std::string const& what, int count, Sides const& sides,
+                   char const* target) {
+    static std::map<std::pair<std::string, int>, std::pair<double, double>> measured;
+    measured[{what, count}] = {sides.ours(), sides.bare()};
     state.counters["ours_ms"] = sides.ours() * 1000.0;
     state.counters["bare_ms"] = sides.bare() * 1000.0;
     state.counters["ratio"] = sides.ratio();
-    SmallTimes& small = timesOfSmall(what);
-    if (count == kSmall) {
-        small = {sides.ours(), sides.bare()};
-    } else if (small.ours > 0.0) {
-        state.counters["growth"] = sides.ours() / small.ours;
-        state.counters["bare_growth"] = sides.bare() / small.bare; // what this machine makes of ten times the memory
+    if (auto const tenth = measured.find({what, count / 10}); tenth != measured.end()) {
+        auto const [ours, bare] = tenth->second;
+        state.counters["growth"] = sides.ours() / ours;
+        state.counters["bare_growth"] = sides.bare() / bare; // what this machine makes of ten times the memory
     }
     state.SetLabel(target);
 }

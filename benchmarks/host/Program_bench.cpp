@@ -1,12 +1,14 @@
 // The program's commands against what they cannot do without: a check against the reading of its document and against
 // Python's compiler, the comparison of two documents, and the search for near names. The documents have three variables
 // and one connector for each block.
+#include "benchmarks/Measure.h"
+#include "benchmarks/host/BareRead.h"
+
 #include "host/basics/Text.h"
 #include "host/checks/Checks.h"
 #include "host/diff/Compare.h"
 #include "host/diff/Snapshot.h"
 #include "host/document/Document.h"
-#include "host/document/HostFactory.h"
 
 #include <Python.h>
 #include <benchmark/benchmark.h>
@@ -14,11 +16,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -28,60 +28,6 @@ namespace {
 
 using namespace flowmere::host;
 namespace fs = std::filesystem;
-
-constexpr int kSmall = 1000;
-constexpr int kMiddle = 10000;
-constexpr int kLarge = 100000;
-
-// Time that the processor has spent on this program, which a busy machine does not stretch.
-double processorSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
-template <typename Body>
-double secondsOf(Body const& body) {
-    double const begin = processorSeconds();
-    body();
-    return processorSeconds() - begin;
-}
-
-double medianOf(std::vector<double> values) {
-    auto const middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-// Times of two sides that are run in turn, so that whatever slows the machine for a while slows both.
-class Sides {
-public:
-    void add(double ours, double bare) {
-        m_ours.push_back(ours);
-        m_bare.push_back(bare);
-        m_ratios.push_back(ours / bare);
-    }
-    double ours() const { return medianOf(m_ours); }
-    double bare() const { return medianOf(m_bare); }
-    double ratio() const { return medianOf(m_ratios); }
-
-private:
-    std::vector<double> m_ours;
-    std::vector<double> m_bare;
-    std::vector<double> m_ratios;
-};
-
-// Counters of a benchmark, with the growth since the document of a tenth of the size.
-void report(benchmark::State& state, std::string const& what, int count, Sides const& sides, char const* target) {
-    static std::map<std::pair<std::string, int>, double> seconds;
-    seconds[{what, count}] = sides.ours();
-    state.counters["ours_ms"] = sides.ours() * 1000.0;
-    state.counters["bare_ms"] = sides.bare() * 1000.0;
-    state.counters["ratio"] = sides.ratio();
-    if (auto const tenth = seconds.find({what, count / 10}); tenth != seconds.end())
-        state.counters["growth"] = sides.ours() / tenth->second;
-    state.SetLabel(target);
-}
 
 enum ScriptKind : int {
     kNoScripts,   // blocks that need none
@@ -235,17 +181,6 @@ Scripts& python() {
     return instance;
 }
 
-// The library's reader by itself, as a document uses it. The roots are those of the document that was open before.
-void readBare(std::string const& path) {
-    HostFactory factory;
-    CFCReader reader;
-    reader.SetNodeFactory(&factory);
-    IFCNode* root = nullptr;
-    if (!reader.Parse(libraryPath(path), &root, 1))
-        throw std::runtime_error("cannot read " + path);
-    CFCNodeHelper::DestroyTree(root);
-}
-
 // All of flowmere check, from the file to the findings, against the mere reading of the document.
 void checkAgainstReading(benchmark::State& state) {
     auto const scripts = static_cast<ScriptKind>(state.range(0));
@@ -272,7 +207,7 @@ void checkAgainstReading(benchmark::State& state) {
 
 BENCHMARK(checkAgainstReading)
     ->ArgNames({"scripts", "blocks"})
-    ->ArgsProduct({{kNoScripts, kLostScripts, kOneScript}, {kSmall, kMiddle}})
+    ->ArgsProduct({{kNoScripts, kLostScripts, kOneScript}, {kTiny, kSmall}})
     ->UseManualTime()
     ->Iterations(7)
     ->Unit(benchmark::kMillisecond);
@@ -327,8 +262,8 @@ void checkOfScriptsAgainstCompiling(benchmark::State& state) {
 
 BENCHMARK(checkOfScriptsAgainstCompiling)
     ->ArgName("blocks")
+    ->Arg(kTiny)
     ->Arg(kSmall)
-    ->Arg(kMiddle)
     ->UseManualTime()
     ->Iterations(3)
     ->Unit(benchmark::kMillisecond);
@@ -368,7 +303,7 @@ void diffAgainstReading(benchmark::State& state) {
 
 BENCHMARK(diffAgainstReading)
     ->ArgNames({"blocks", "reversed"})
-    ->ArgsProduct({{kSmall, kMiddle}, {0, 1}})
+    ->ArgsProduct({{kTiny, kSmall}, {0, 1}})
     ->UseManualTime()
     ->Iterations(5)
     ->Unit(benchmark::kMillisecond);
@@ -407,8 +342,8 @@ void nearNamesAmongMany(benchmark::State& state) {
 
 BENCHMARK(nearNamesAmongMany)
     ->ArgName("names")
+    ->Arg(kTiny)
     ->Arg(kSmall)
-    ->Arg(kMiddle)
     ->Arg(kLarge)
     ->UseManualTime()
     ->Iterations(7)
