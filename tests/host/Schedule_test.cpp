@@ -102,8 +102,9 @@ TEST_F(Schedule, TheExampleBecomesAConnectedDocument) {
                 HasSubstr("Description=\"WBS 2.2, UID 4, start 2026-03-12 08:00, finish 2026-03-20 17:00, "
                           "predecessor UID 3\""));
     // What is missing is scripts alone: nobody has written any.
-    ProgramRun const checked = run({"check", "bridge.xml", "--json"});
-    for (nlohmann::json const& finding : nlohmann::json::parse(checked.out)["findings"])
+    nlohmann::json const checked = nlohmann::json::parse(run({"check", "bridge.xml", "--json"}).out);
+    EXPECT_FALSE(checked["findings"].empty());
+    for (nlohmann::json const& finding : checked["findings"])
         EXPECT_EQ(finding["rule"], "missing-script") << finding;
     EXPECT_EQ(run({"draw", "bridge.xml", "-o", "bridge.png"}).exitCode, 0);
     EXPECT_GT(fs::file_size(scratch / "bridge.png"), 10000U);
