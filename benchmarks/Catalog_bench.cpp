@@ -1,4 +1,5 @@
 // Catalogs that seek nodes by their captions while they are read, and how their times grow with the number of entries.
+#include "benchmarks/Measure.h"
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/model/FCCatalogNodes.h"
 #include "flowmere/model/FCNodeFactory.h"
@@ -9,14 +10,10 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -24,12 +21,6 @@ struct TreeEnd {
     void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
 };
 using Tree = std::unique_ptr<IFCNode, TreeEnd>;
-
-double processorSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 // A file that goes with its object.
 class File {
@@ -55,25 +46,14 @@ private:
 // Runs the rounds. `read` gives the tree it made, and `isRight` looks at it outside the time.
 template <typename Read, typename Check>
 void measure(benchmark::State& state, char const* what, Read const& read, Check const& isRight) {
-    static std::map<std::pair<std::string, int>, double> known;
-    int const count = static_cast<int>(state.range(0));
-    std::vector<double> times;
+    Times times;
     for (auto _ : state) {
-        double const begin = processorSeconds();
-        Tree const tree = read();
-        times.push_back(processorSeconds() - begin);
-        state.SetIterationTime(times.back());
+        Tree tree;
+        times.add(state, [&] { tree = read(); });
         if (!isRight(tree.get()))
             state.SkipWithError("not what the files hold");
     }
-    auto const middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    known[{what, count}] = *middle;
-    state.counters["us_per_entry"] = *middle * 1e6 / count;
-    auto const tenth = known.find({what, count / 10});
-    if (tenth != known.end())
-        state.counters["growth"] = *middle / tenth->second;
-    state.SetLabel("growth from a tenth: at most 15");
+    report(state, what, static_cast<int>(state.range(0)), times);
 }
 
 std::string entries(int first, int count, std::string const& before, std::string const& behind) {

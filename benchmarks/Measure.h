@@ -31,6 +31,12 @@ double secondsOf(Body const& body) {
     return processorSeconds() - begin;
 }
 
+inline double medianOf(std::vector<double> values) {
+    auto const middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
 class Sides {
 public:
     void add(double ours, double bare) {
@@ -44,12 +50,6 @@ public:
     double ratio() const { return medianOf(m_ratios); }
 
 private:
-    static double medianOf(std::vector<double> values) {
-        auto const middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-        std::nth_element(values.begin(), middle, values.end());
-        return *middle;
-    }
-
     std::vector<double> m_ours;
     std::vector<double> m_bare;
     std::vector<double> m_ratios;
@@ -69,4 +69,30 @@ inline void report(benchmark::State& state, std::string const& what, int count, 
         state.counters["bare_growth"] = sides.bare() / bare; // what this machine makes of ten times the memory
     }
     state.SetLabel(target);
+}
+
+// Times of one side alone.
+class Times {
+public:
+    // Runs the body, whose time becomes that of the round.
+    template <typename Body>
+    void add(benchmark::State& state, Body const& body) {
+        m_seconds.push_back(secondsOf(body));
+        state.SetIterationTime(m_seconds.back());
+    }
+    double median() const { return medianOf(m_seconds); }
+
+private:
+    std::vector<double> m_seconds;
+};
+
+// The time for each entry, and how often longer than for a tenth of the entries it took.
+inline void report(benchmark::State& state, std::string const& what, int count, Times const& times) {
+    static std::map<std::pair<std::string, int>, double> measured;
+    double const seconds = times.median();
+    measured[{what, count}] = seconds;
+    state.counters["us_per_entry"] = seconds * 1e6 / count;
+    if (auto const tenth = measured.find({what, count / 10}); tenth != measured.end())
+        state.counters["growth"] = seconds / tenth->second;
+    state.SetLabel("growth from a tenth: at most 15");
 }

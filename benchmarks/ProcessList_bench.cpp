@@ -1,4 +1,5 @@
 // Process lists: reading, writing and merging, and how their times grow with the number of entries.
+#include "benchmarks/Measure.h"
 #include "flowmere/algorithms/FCNodeHelper.h"
 #include "flowmere/environment/FCEnvironment.h"
 #include "flowmere/model/FCFolderNodes.h"
@@ -9,13 +10,9 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <ctime>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -23,45 +20,6 @@ struct TreeEnd {
     void operator()(IFCNode* node) const { CFCNodeHelper::DestroyTree(node); }
 };
 using List = std::unique_ptr<CFCProcessList, TreeEnd>;
-
-// Time that the processor has spent on this program, which a busy machine does not stretch.
-double processorSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
-// Median of the times of all rounds.
-class Times {
-public:
-    template <typename Body>
-    void add(benchmark::State& state, Body const& body) {
-        double const begin = processorSeconds();
-        body();
-        m_seconds.push_back(processorSeconds() - begin);
-        state.SetIterationTime(m_seconds.back());
-    }
-    double median() {
-        auto const middle = m_seconds.begin() + static_cast<std::ptrdiff_t>(m_seconds.size() / 2);
-        std::nth_element(m_seconds.begin(), middle, m_seconds.end());
-        return *middle;
-    }
-
-private:
-    std::vector<double> m_seconds;
-};
-
-// Beside the times, how often longer than for a tenth of the entries it took.
-void report(benchmark::State& state, std::string const& what, int count, Times& times) {
-    static std::map<std::pair<std::string, int>, double> known;
-    double const seconds = times.median();
-    known[{what, count}] = seconds;
-    state.counters["us_per_entry"] = seconds * 1e6 / count;
-    auto const tenth = known.find({what, count / 10});
-    if (tenth != known.end())
-        state.counters["growth"] = seconds / tenth->second;
-    state.SetLabel("growth from a tenth: at most 15");
-}
 
 // How the entries stand in a list.
 enum Shape : int {
