@@ -116,6 +116,9 @@ constexpr TagRow kTags[] = {
 };
 static_assert(std::is_sorted(std::begin(kTags), std::end(kTags),
                              [](TagRow const& left, TagRow const& right) { return left.name < right.name; }));
+// Otherwise the rows below would not be found.
+static_assert(std::all_of(std::begin(kTags), std::end(kTags),
+                          [](TagRow const& row) { return row.name.front() >= u'A' && row.name.front() <= u'Z'; }));
 
 // Where the rows of each letter begin, and those of the next one: few tags share a letter.
 constexpr auto kTagsByLetter = [] {

@@ -1,10 +1,10 @@
+#include "CheckFindings.h"
 #include "Golden.h"
 #include "Workflow.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,19 +16,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// The findings in the folder, each as "PATH: RULE: MESSAGE". The exit code must agree with them.
 std::vector<std::string> findings(Workflow const& workflow) {
-    ProgramRun const run = workflow.run({"check", "w"});
-    EXPECT_EQ(run.err, "");
-    std::vector<std::string> lines;
-    std::istringstream stream(run.out);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line.substr(std::string("w: ").size()));
-    EXPECT_FALSE(lines.empty());
-    if (!lines.empty())
-        lines.pop_back(); // the summary
-    EXPECT_EQ(run.exitCode, lines.empty() ? 0 : 1);
-    return lines;
+    return findingsOf(workflow.run({"check", "w"}), "w");
 }
 
 std::vector<std::string> findings(std::string const& text) {
